@@ -1,0 +1,14 @@
+#pragma once
+// The result document of a calculation (one line of JSON).
+
+#include <string>
+
+#include "engine/calc.h"
+
+namespace zelmor::cli {
+
+// {"format": "zelmor-results", "version": 1, "year": 2015, "FilingMode": .., "ModeTitle": ..,
+//  "comparison": {..} or null, "CMain": {..}, ..., "CBL": {..}} with every field of every sheet.
+std::string resultDocument(const CalcResult& result);
+
+}  // namespace zelmor::cli
