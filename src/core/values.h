@@ -23,11 +23,13 @@ bool IsValidAmount(std::string_view text);
 // Blank, or a whole number (no fraction) within -32,768..32,767.
 bool IsValidWhole(std::string_view text);
 // Blank, or a real day written day/month/year ("31/02/2015" is refused).
+// Day and month take one or two digits, the year four; '/', '.' or '-' separate them.
 bool IsValidDateText(std::string_view text);
 
 // "" for 0 whatever the decimals; else "#,##0" (0 decimals), "#,##0.0" (1) or
 // "#,##0.00" (any other), rounding halves away from zero; a negative value gets
 // its "-" behind the digits ("1,234-", and "0-" for -0.2 with no decimals).
+// NaN and infinity give "" as well.
 std::string FormatAmount(double value, int decimals = 0);
 // "  /  /    " for no date, else "dd/mm/yyyy".
 std::string FormatDate(Date date);
@@ -38,6 +40,7 @@ Date ParseDate(std::string_view text);
 // Unparseable text gives 0; out-of-range text raises OverflowError.
 Amount ParseAmount(std::string_view text);
 // 0 when blank, else the value rounded to a 16-bit whole number, ties to even.
+// Unparseable text gives 0; out-of-range text raises OverflowError.
 std::int16_t ParseWhole(std::string_view text);
 
 // The conversion under IsValidAmount/ParseAmount: the number a text stands for,
