@@ -58,6 +58,7 @@ int Date::month() const { int y, m, d; ymd(y, m, d); return m; }
 int Date::day() const { int y, m, d; ymd(y, m, d); return d; }
 
 Date Date::addMonths(int n) const {
+    if (isNull()) return *this;  // no date stays no date
     int y, m, d;
     ymd(y, m, d);
     int total = y * 12 + (m - 1) + n;

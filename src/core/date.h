@@ -27,6 +27,7 @@ public:
     void ymd(int& y, int& m, int& d) const;
 
     // Calendar-month arithmetic: the day is cut back to the last day of a shorter month.
+    // No date plus any number of months is still no date.
     Date addMonths(int n) const;
 
     friend constexpr bool operator==(Date, Date) = default;
