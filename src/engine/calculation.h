@@ -1,0 +1,178 @@
+#pragma once
+// The working record of one calculation and the routines that fill it. Each
+// routine is one rule of the calculation and carries the rule's name; the two
+// persons are computed by the same routines through a Person view: M is the
+// registered spouse, F the other spouse.
+
+#include "engine/calc.h"
+
+namespace zelmor::engine {
+
+// The figures of the calculation that come in pairs, one for each person. The
+// members carry the registered spouse's names without the letter M: for F,
+// `LineN214` is the 40% line of F (form line 314), `NetN211` is F's net 15%
+// line (311), and so on.
+struct PersonState {
+    Amount HachnasaYegia, RechushRagil;
+    Amount LineN214, LineN211, LineN228, LineN257, LineN241, LineN212, LineN213, LineN217, LineN226, LineN242,
+        LineAcheret, LineInfla;
+    Amount AcheretNamuch, AcheretGavoha, MeyuchadNamuch, MeyuchadGavoha, HachnasaKolel;
+    Amount NikuyHishtalmut, NikuyNeft, NikuyHishtalmutNeft, HachnasaMechkar, NikuyMechkar, NikuySratim, NikuimRishon,
+        HachnasaAcharei, HachnasaKizva, ChelekSachir, ChelekAtzmai, NikuyKizva;
+    Amount NikuimBeforeBL, HachnasaBeforeBL, NikuyBL, NikuimKolel, HachnasaChayevet;
+    Amount Yitra35, Yitra40, YitraAcheret, BasisYegia, BasisLoYegia, HefsedYitra;
+    Amount KizuzLoYegia, KizuzYegia, NikuimYitra, HefsedSof, YegiaChayav, LoYegiaChayav;
+    Amount NetN211, NetN228, NetN257, NetN241, NetN212, NetN217, NetN226, NetN242, NetN213, NetN214,
+        NetAcheretNamuch, NetAcheretGavoha, NetInfla;
+    Amount ZikuimSum;
+    Amount TikraKizva, TikraBituach, OdefMishmarot;
+};
+
+// The figures of one calculation.
+struct CalcState {
+    int FilingMode = 0;
+    int JointStage = 0;
+    Amount RegilRechushTestM, RegilRechushTestF, RegilTestM, RegilTestF, MeyuchadTestM, MeyuchadTestF,
+        HachnasaTestM, HachnasaTestF, RegilPlusYegiaFTestM, SafBenZug;
+    Amount MasMeuchad, MasNifrad;
+    bool isIshaNesua = false;
+    bool isYegiaFGreater = false;
+    Amount SavedKizvaM;
+    PersonState M, F;
+    Amount LineN222, LineN225, LineN227;  // rent, foreign rent, gambling: always the registered spouse's
+    Amount SafAcheret;
+    Amount ChainNikuim, ChainHefsed;
+    Amount BracketYegia, BracketLoYegia;
+    Amount BracketSum[8];   // [1..7]
+    Amount BracketSumA[5];  // [1..4]
+    Amount PtorRibitYitra, MeyuchadMasSum, MeyuchadNetSum;
+    // National insurance estimate, for the person in hand.
+    double BLAzmai = 0, BLSachir = 0, BLHeino = 0, BLNikuy = 0, BLSachirM = 0, BLSachirF = 0;
+    double BLAzmaiRagil = 0, BLAzmaiMufhat = 0, BLAzmaiTTL = 0, BLHeinoRagil = 0, BLHeinoMufhat = 0, BLHeinoTTL = 0;
+    char BLSex = 'M';
+};
+
+// A person's report fields and sheet cells, by role. The names are the
+// registered spouse's; for F each reference points at F's own field
+// (N150 -> N170, N136 -> N137, N135 -> N180, ...).
+struct Person {
+    bool isF;
+    PersonState& st;
+    // Earned lines (Yegia).
+    Amount &N150, &N250, &N158, &N068, &N258, &N358, &N120, &YegiaOther;
+    // Regular-rate property lines of the person (Yegia) and their sheet cells.
+    Amount &N201, &N202, &N204, &N205;
+    Amount &chN201, &chN202, &chN204, &chN205, &chReali, &chN213A, &chN214A, &chAcheretB1;
+    // Special-rate lines of the person (Rechush).
+    Amount &N214, &N211, &N228, &N257, &N241, &N212, &N213, &N217, &N226, &N242, &Acheret;
+    // Deductions (Nikuim).
+    Amount &N136, &N218, &N116, &N005, &N118, &N112, &N206, &N135, &N244, &N248, &N030;
+    Amount &cnN112S, &cnN112H;
+    // Credits (Zikuim).
+    Amount &N036, &N140, &N045, &N268, &N132, &N037, &N143, &Acherim;
+    std::int32_t &N093, &N093Rate, &N093Month;
+    const Date& BirthDate;
+};
+
+class Calculation {
+public:
+    Calculation(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
+    CalcResult run();  // CalcDoch
+
+private:
+    // Driver and filing modes.
+    void CalcDoch();
+    void CalcTlut();
+    void CalcNoTlut();
+    void CalcOneMode();
+    void CalcPersonF();
+    void ClearCalcState();
+    Amount taxDue() const { return out.Main.MasMagiaF + out.Main.MasMagiaM; }
+
+    // Income assembly and loss relief.
+    void MergeYegia();
+    void MergeRechush();
+    void RestoreYegia();
+    void RestoreRechush();
+    void EarnedIncome();
+    void GatherLines(Person& p);
+    void GatherShared(Person& p);
+    void TotalIncome(Person& p);
+    void ShiftToRegular(Person& p);
+    void Offset(Person& p);
+    Amount OffsetChainStep(Amount line);
+    void OffsetChain(Person& p);
+
+    // Deductions.
+    void FirstDeductions(Person& p);
+    void WorkDisability(Person& p);
+    void Pension(Person& p);
+    bool isOlderForPension(const Person& p) const;
+    void KizvaLimitNikuy(Person& p);
+    void JoinPersons();
+    void TotalDeductions(Person& p);
+
+    // Bracket tax.
+    void BracketStep(Person& p);
+    void BracketYegiaScale();
+    void BracketLoYegiaScale();
+
+    // Credit points and credits.
+    void CalcCreditsM();
+    void CalcCreditsF();
+    double OlePoints(Date date) const;
+    double ChayalPoints(Date date, std::int16_t months) const;
+    double MothersWeights() const;
+    double FathersWeights() const;
+    void CreditsForPayments(Person& p);
+    void KizvaLimitZikuy(Person& p);
+    void Settlement(Person& p);
+
+    // Publication.
+    void PublishResults();
+    void PublishHachnasot();
+    void PublishNikuim();
+    void PublishHishuv();
+    void PublishMeyuchad();
+    void ExemptInterestPool();
+    void PublishZikuim();
+    void PublishTashlumim();
+    void PublishMain();
+
+    // National insurance estimate.
+    void CalcBLM();
+    void CalcBLF();
+    void CalcBL(bool forF);
+    void SplitBL();
+    void BandAzmai();
+    void BandHeino();
+
+    int ageInYear(Date birth) const;  // YEARDOCH less the year of birth; -1 for no date
+
+    const NishumInput& report;
+    const ConstDoch& c;
+    const MadadLookup& madad;
+    const Date today;
+
+    // The report as the run sees it: the sections that modes 3 and 4 merge
+    // are working copies, put back from the report after each merged run.
+    sections::Yegia Yegia;
+    sections::Rechush Rechush;
+    sections::Nikuim Nikuim;
+    sections::Zikuim Zikuim;
+    const sections::Pratim& Pratim;
+    const sections::Pturot& Pturot;
+    const sections::Nekudot& Nekudot;
+    const sections::Tashlumim& Tashlumim;
+    const sections::Klaliim& Klaliim;
+
+    CalcState st;
+    NishumOutput out;
+    Person pM, pF;
+    bool compared = false;
+};
+
+// Interest and linkage of a balance to a date.
+double MadadOfDate(const MadadLookup& madad, Date date);
+
+}  // namespace zelmor::engine

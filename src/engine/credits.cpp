@@ -1,0 +1,286 @@
+// Credit points (form lines 54 to 64) and the credits for sums paid.
+
+#include "engine/calculation.h"
+
+namespace zelmor::engine {
+namespace {
+Amount floor0(Amount v) { return MaxLong(v, 0); }
+}  // namespace
+
+// Children by age band, weighted for the mother: newborn 0.5, 1-2 two, 3 two,
+// 4-5 two, 6-17 one, 18 half a point.
+double Calculation::MothersWeights() const {
+    const auto& n = Nekudot;
+    return 0.5 * n.N260_1 + mulCount(n.N260_2, 2) + mulCount(n.N260_3, 2) + mulCount(n.N260_4, 2) +
+           1.0 * n.N260_5 + 0.5 * n.N260_6;
+}
+
+// ...and for the father: newborn one, 1-2 two, 3 one (a 16-bit sum).
+double Calculation::FathersWeights() const {
+    const auto& n = Nekudot;
+    return addCount(addCount(n.N260_1, mulCount(n.N260_2, 2)), n.N260_3);
+}
+
+// A new immigrant: 42 months from the month of immigration, the first 18 at a
+// quarter point a month, the next 12 at a sixth, the last 12 at a twelfth;
+// the months that fall in the tax year count.
+double Calculation::OlePoints(Date date) const {
+    double total = 0, rate = 1.0 / 4;
+    for (int i = 0; i <= 41; ++i) {
+        if (date.addMonths(i).year() == c.YEARDOCH()) total += rate;
+        if (i == 17) rate = 1.0 / 6;
+        if (i == 29) rate = 1.0 / 12;
+    }
+    return total;
+}
+
+// A discharged soldier: points by the months from discharge to December of
+// the tax year; doubled for 24 months of service or more.
+double Calculation::ChayalPoints(Date date, std::int16_t months) const {
+    int y, m, d;
+    date.ymd(y, m, d);
+    const int n = 12 * (c.YEARDOCH() - y) + (12 - m);
+    double p = 0;
+    if (n >= 1 && n <= 12)
+        p = n / 12.0;
+    else if (n >= 13 && n <= 24)
+        p = 1;
+    else if (n >= 25 && n <= 36)
+        p = (36 - n) / 12.0;
+    if (months == 0) p = 0;
+    if (months >= 24) p *= 2;
+    return p;
+}
+
+void Calculation::CalcCreditsM() {
+    auto& z = out.Zikuim;
+    const auto& k = Nekudot;
+    const auto& pr = Pratim;
+    const double NEKUDA = c.NEKUDA().value();
+    const int mode = st.FilingMode;
+
+    // Line 54: resident; a woman has half a point more, resident or not.
+    if (k.N020) {
+        z.NEKUDA_020M = 2.25;
+        z.ZIKUY_020M = NEKUDA * 2.25;
+    }
+    if (pr.isFemale) {
+        z.NEKUDA_020M += 0.5;
+        z.ZIKUY_020M = NEKUDA * z.NEKUDA_020M;
+    }
+
+    // Spouse lines, only when the couple is computed together.
+    if (mode != ModeSeparate && mode != ModeSeparateProperty && !pr.isAlman && !pr.isGarush && !pr.isRavak) {
+        const Date man = pr.isFemale ? pr.BirthDateF : pr.BirthDateM;
+        const Date woman = pr.isFemale ? pr.BirthDateM : pr.BirthDateF;
+        const bool retired = (!man.isNull() && man < c.GIL_PRISHA_GEVER()) ||
+                             (!woman.isNull() && woman < c.GIL_PRISHA_ISHA());
+        if (retired && k.N020 && (st.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
+            z.NEKUDA_021M = 1;
+            z.ZIKUY_021M = NEKUDA;
+        }
+        if (k.N020 && Yegia.TTLF > 0) {
+            z.NEKUDA_021AM = k.N260 >= 1 ? 2 : 1.75;
+            z.ZIKUY_021AM = NEKUDA * z.NEKUDA_021AM;
+        }
+        if (mode == ModeAlone) z.NEKUDA_021AM = z.ZIKUY_021AM = 0;
+        if (Yegia.TTLF < 1 && k.N020 && (k.N025 || Klaliim.isBZOzer)) {
+            z.NEKUDA_025M = k.N260 >= 1 ? 1.75 : 1.5;
+            z.ZIKUY_025M = NEKUDA * z.NEKUDA_025M;
+        }
+    }
+
+    // Youth: either person aged 16 or 17 in the tax year.
+    const int ageM = ageInYear(pr.BirthDateM), ageF = ageInYear(pr.BirthDateF);
+    if (ageM == 16 || ageM == 17 || ageF == 16 || ageF == 17) {
+        z.NEKUDA_020AM = 1;
+        z.ZIKUY_020AM = NEKUDA;
+    }
+
+    // Line 57: alimony, married again.
+    if (k.N028) {
+        z.NEKUDA_028M = 1;
+        z.ZIKUY_028M = NEKUDA;
+    }
+
+    // Line 58: children.
+    z.NEKUDA_260M = z.NEKUDA_260F = 0;
+    if ((mode != ModeJoint && pr.isFemale) || (!pr.isNasuy && k.N026) || pr.isRavak || pr.isGarush || pr.isAlman) {
+        z.NEKUDA_260M = MothersWeights();
+        if (st.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) z.NEKUDA_260F = FathersWeights();
+    }
+    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
+    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
+
+    // Line 60: children who do not live with the person.
+    z.NEKUDA_029M = k.N029 ? 1 : 0;
+    z.ZIKUY_029M = NEKUDA * z.NEKUDA_029M;
+
+    // Line 59: single-parent family.
+    if ((k.N260 >= 1 && k.N026 && !pr.isNasuy && !k.N021) ||
+        (k.N260 >= 1 && !k.N021 && (pr.isAlman || pr.isGarush || pr.isRavak))) {
+        z.NEKUDA_026M = 1;
+        z.ZIKUY_026M = NEKUDA;
+    }
+
+    // Line 61: supported persons without physical ability, two points each;
+    // when the couple is computed together F's count joins M's at one point each.
+    z.NEKUDA_023 = k.N020 ? mulCount(k.N023, 2) : 0;
+    z.NEKUDA_131 = k.N020 ? mulCount(k.N131, 2) : 0;
+    if (mode == ModeAlone || mode == ModeSingle || mode == ModeJoint) {
+        z.NEKUDA_023 += k.N131;
+        z.NEKUDA_131 = 0;
+    }
+    if (z.NEKUDA_023 > 0) z.ZIKUY_023 = NEKUDA * z.NEKUDA_023;
+    if (z.NEKUDA_131 > 0) z.ZIKUY_131 = NEKUDA * z.NEKUDA_131;
+
+    // Lines 62 to 64: immigrant, discharged soldier, degree.
+    z.NEKUDA_OleM = OlePoints(k.OleDateM);
+    z.ZIKUY_OleM = NEKUDA * z.NEKUDA_OleM;
+    z.NEKUDA_224 = ChayalPoints(k.N224, k.N024);
+    z.ZIKUY_224 = NEKUDA * z.NEKUDA_224;
+    z.NEKUDA_181 = k.N181 >= 1 && k.N181 <= 4 ? 0.5 : k.N181 == 5 ? 1 : 0;
+    z.ZIKUY_181 = NEKUDA * z.NEKUDA_181;
+
+    CreditsForPayments(pM);
+}
+
+void Calculation::CalcCreditsF() {
+    auto& z = out.Zikuim;
+    const auto& k = Nekudot;
+    const double NEKUDA = c.NEKUDA().value();
+    if (k.N020) {
+        z.NEKUDA_020F = 2.25;
+        z.ZIKUY_020F = NEKUDA * 2.25;
+    }
+    if (!Pratim.isFemale) {  // the spouse is the woman
+        z.NEKUDA_020F += 0.5;
+        z.ZIKUY_020F = NEKUDA * z.NEKUDA_020F;
+        z.NEKUDA_260F = MothersWeights();
+        z.NEKUDA_260M = FathersWeights();
+    }
+    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
+    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
+    z.NEKUDA_129 = k.N129 ? 1 : 0;
+    z.ZIKUY_129 = NEKUDA * z.NEKUDA_129;
+    z.NEKUDA_OleF = OlePoints(k.OleDateF);
+    z.ZIKUY_OleF = NEKUDA * z.NEKUDA_OleF;
+    z.NEKUDA_324 = ChayalPoints(k.N324, k.N124);
+    z.ZIKUY_324 = NEKUDA * z.NEKUDA_324;
+    z.NEKUDA_182 = k.N182 >= 1 && k.N182 <= 4 ? 0.5 : k.N182 == 5 ? 1 : 0;
+    z.ZIKUY_182 = NEKUDA * z.NEKUDA_182;
+
+    CreditsForPayments(pF);
+}
+
+// The allowed bases of the credits for sums paid, for one column.
+void Calculation::CreditsForPayments(Person& p) {
+    PersonState& s = p.st;
+    auto& z = out.Zikuim;
+    Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
+    Amount& HUTAR_036 = p.isF ? z.HUTAR_081 : z.HUTAR_036;
+    Amount& HUTAR_132 = p.isF ? z.HUTAR_232 : z.HUTAR_132;
+    double& ZIKUY_023 = p.isF ? z.ZIKUY_131 : z.ZIKUY_023;
+    Amount& HUTAR_037 = p.isF ? z.HUTAR_237 : z.HUTAR_037;
+    Amount& HUTAR_143 = p.isF ? z.HUTAR_144 : z.HUTAR_143;
+    Amount& AcherimCell = p.isF ? z.AcherimF : z.AcherimM;
+    Amount& HUTAR_Acherim = p.isF ? z.HUTAR_AcherimF : z.HUTAR_AcherimM;
+    Amount& HUTAR_Mishmarot = p.isF ? z.HUTAR_MishmarotF : z.HUTAR_MishmarotM;
+
+    // Pension: survivors' insurance up to 1.5% of income, and what of the
+    // self-employed pension was not taken as a deduction.
+    s.TikraKizva = MaxLong(R(s.ChelekSachir * 0.07 + s.ChelekAtzmai * 0.05), c.HISAHONMIZARI());
+    const Amount deducted = (!p.isF && st.JointStage == 2) ? st.SavedKizvaM : s.NikuyKizva;
+    Amount A = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * 0.015)) + p.N045 + p.N268 + p.N135 - deducted;
+    HUTAR_045 = MinLong(floor0(A), s.TikraKizva);
+
+    // Life insurance, within what the pension left under its ceiling.
+    s.TikraBituach = MaxLong(R(s.ChelekAtzmai * 0.05 + s.ChelekSachir * 0.05), c.HISAHONMIZARI());
+    HUTAR_036 = MinLong(floor0(MinLong(p.N036, s.TikraBituach)), s.TikraKizva - HUTAR_045);
+
+    KizvaLimitZikuy(p);
+
+    // Care of a family member in an institution: above 12.5% of taxable
+    // income; it and line 61 do not both count, and on a tie line 61 stays.
+    HUTAR_132 = MinLong(floor0(R(p.N132 - s.HachnasaChayevet * 0.125)), p.N132);
+    if (!Nekudot.N020) HUTAR_132 = 0;
+    const Amount W = R(HUTAR_132 * 0.35);
+    if (W.value() <= ZIKUY_023)
+        HUTAR_132 = 0;
+    else
+        ZIKUY_023 = 0;
+
+    Settlement(p);
+
+    // Donations: up to 30% of taxable income, within half the research base.
+    Amount D = floor0(R(s.HachnasaMechkar * 0.5 - s.NikuyMechkar - s.NikuySratim));
+    D = MinLong(D, R(s.HachnasaChayevet * 0.3));
+    D = MinLong(D, c.TRUMOTMAX());
+    if (p.N037 < c.TRUMOTMIN()) D = 0;
+    HUTAR_037 = MinLong(D, p.N037);
+
+    HUTAR_143 = p.N143;  // memorial donations: no cap
+
+    AcherimCell = p.Acherim;
+    HUTAR_Acherim = p.Acherim;
+
+    // Shift work: the shift pay within the salary ceiling, and no more than
+    // the credit ceiling turned back into income at 15%.
+    s.OdefMishmarot = floor0(p.N068 + p.N158 - c.MISHMAROTMAX());
+    Amount shift = p.N068 - s.OdefMishmarot;
+    if (shift.value() > c.MISHMAROTZIKUYMAX().value() / 0.15) shift = R(c.MISHMAROTZIKUYMAX().value() / 0.15);
+    HUTAR_Mishmarot = floor0(shift);
+}
+
+// The second pension limit for the credits: the pair of allowed pension and
+// life insurance bases that is worth more stays.
+void Calculation::KizvaLimitZikuy(Person& p) {
+    PersonState& s = p.st;
+    auto& z = out.Zikuim;
+    Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
+    Amount& HUTAR_036 = p.isF ? z.HUTAR_081 : z.HUTAR_036;
+    if (p.N248 + p.N135 < c.KIZVA_MIN()) return;
+    const Amount I = s.HachnasaKizva;
+    const Amount S = floor0(p.N244);
+    const Amount P = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * 0.015)) + p.N045 + p.N268 + p.N135 -
+                     s.NikuyKizva;
+    const Amount T = P + p.N036;
+    Amount L;
+    if (S == 0) {
+        L = R(MinLong(I, c.HACH_MAX_ZIKUY()) * 0.05);
+    } else {
+        const Amount sachir = MinLong(c.HACHNASAMEZAKA_SACHIR(), I);
+        const Amount rest = MinLong(I - S, MinLong(c.HACH_MAX_ZIKUY() - MinLong(c.HACHNASAMEZAKA_SACHIR(), S), p.N135));
+        L = R(sachir * 0.07 + rest * 0.05);
+    }
+    L = MinLong(MaxLong(L, c.HISAHONMIZARI()), T);
+    const Amount P1 = MinLong(P, L);
+    const Amount L1 = MinLong(MaxLong(MinLong(p.N036, L - P1), 0), R(I * 0.05));
+    if (HUTAR_045 * 0.35 + HUTAR_036 * 0.25 < P1 * 0.35 + L1 * 0.25) {
+        HUTAR_045 = P1;
+        HUTAR_036 = L1;
+    }
+}
+
+// Residents of certain settlements: a share of earned taxable income up to the
+// settlement's ceiling, for the months of residence.
+void Calculation::Settlement(Person& p) {
+    PersonState& s = p.st;
+    auto& z = out.Zikuim;
+    Amount& paid = p.isF ? z.N193 : z.N093;
+    Amount& base = p.isF ? z.HUTAR_193 : z.HUTAR_093;
+    Amount& rate = p.isF ? z.RATE_193 : z.RATE_093;
+    paid = 0;
+    base = 0;
+    if (p.N093 == 1) {
+        paid = s.YegiaChayav;
+        base = MinLong(s.YegiaChayav, c.SFAR_TZAFON());
+    } else if (p.N093 == 2) {
+        paid = s.YegiaChayav;
+        base = MinLong(s.YegiaChayav, c.SFAR_NEGEV_GALIL());
+    }
+    base = R(p.N093Month / 12.0 * base.value());
+    rate = p.N093Rate;
+}
+
+}  // namespace zelmor::engine
