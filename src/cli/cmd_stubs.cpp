@@ -11,8 +11,6 @@ int notYet(const char* name) {
 }
 }  // namespace
 
-int runCheck(const Args&) { return notYet("check"); }
-int runCalc(const Args&) { return notYet("calc"); }
 int runSolve(const Args&) { return notYet("solve"); }
 int runPrint(const Args&) { return notYet("print"); }
 int runImport(const Args&) { return notYet("import"); }

@@ -1,0 +1,60 @@
+// zelmor-cli calc: the result document of each report.
+
+#include <QString>
+#include <cstdio>
+#include <iostream>
+
+#include "cli/cli_common.h"
+#include "cli/commands.h"
+#include "cli/result_json.h"
+#include "engine/calc.h"
+#include "tables/madad_table.h"
+
+namespace zelmor::cli {
+
+int runCalc(const Args& args) {
+    Options o;
+    Date today;
+    std::string dataDir;
+    try {
+        o = parseOptions(args, {"--today", "--data-dir"});
+        if (o.positional.empty()) throw UsageError("no report given (a file name, or - for JSON Lines on standard input)");
+        today = resolveToday(o);
+        dataDir = resolveDataDir(o);
+    } catch (const UsageError& e) {
+        std::fprintf(stderr, "zelmor-cli calc: %s\n", e.what());
+        return 2;
+    }
+    MadadTable madad(QString::fromStdString(dataDir));
+    if (!madad.ok()) {
+        std::fprintf(stderr, "zelmor-cli calc: the price index table cannot be read: %s\n",
+                     madad.errorString().toStdString().c_str());
+        std::cout << errorDocument("environment", madad.errorString().toStdString()) << '\n';
+        return 1;
+    }
+    const ConstDoch constants;
+    int status = 0;
+    std::string line;
+    forEachReport(
+        o.positional,
+        [&](NishumInput& report) {
+            try {
+                line = resultDocument(CalcDoch(report, constants, madad, today));
+            } catch (const OverflowError& e) {
+                std::fprintf(stderr, "zelmor-cli calc: report %s: the calculation stopped: %s\n",
+                             report.NishumID().c_str(), e.what());
+                line = errorDocument("overflow", e.what());
+                status = std::max(status, 3);
+            }
+            std::cout << line << '\n';
+        },
+        [&](const std::string& message, int exitStatus) {
+            std::fprintf(stderr, "zelmor-cli calc: %s\n", message.c_str());
+            std::cout << errorDocument(errorKind(exitStatus), message) << '\n';
+            status = std::max(status, exitStatus);
+        });
+    std::cout.flush();
+    return status;
+}
+
+}  // namespace zelmor::cli
