@@ -1,0 +1,30 @@
+#pragma once
+// Runs the built zelmor-cli as a child process, the way a user or a script does,
+// and captures what it prints and its exit status.
+
+#include <string>
+#include <vector>
+
+namespace zelmor::test {
+
+struct CliRun {
+    int status = -1;  // exit status; -1 when the program did not exit normally
+    std::string out;  // standard output
+    std::string err;  // standard error
+};
+
+// The zelmor-cli of this build tree.
+std::string cliPath();
+
+// Runs zelmor-cli with args in workDir (empty: the current folder), feeding
+// stdinText on standard input.
+CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText = {},
+              const std::string& workDir = {});
+
+// A fresh empty folder under the build tree for one test.
+std::string freshTempDir(const std::string& name);
+
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& text);
+
+}  // namespace zelmor::test
