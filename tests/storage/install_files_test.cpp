@@ -1,0 +1,60 @@
+#include "storage/install_files.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "storage/backend.h"
+
+namespace zelmor::storage::testing {
+namespace {
+
+std::string readAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+TEST(InstallFiles, MissingFilesReadAsEmpty) {
+    TempDir dir;
+    EXPECT_EQ(UserName(dir.path()), "");
+    EXPECT_EQ(Pnia(dir.path()), "");
+    EXPECT_EQ(UserName(dir.path() + "/no/such/folder"), "");
+}
+
+TEST(InstallFiles, UserNameIsTrimmedOnBothWays) {
+    TempDir dir;
+    SaveUserName(dir.path(), "  רו\"ח ישראל ישראלי \t");
+    EXPECT_EQ(readAll(userNamePath(dir.path())), "רו\"ח ישראל ישראלי\n");
+    EXPECT_EQ(UserName(dir.path()), "רו\"ח ישראל ישראלי");
+    // A file written elsewhere: first line only, blanks and CR dropped.
+    std::ofstream(userNamePath(dir.path()), std::ios::binary) << "  Dana  \r\nsecond line\r\n";
+    EXPECT_EQ(UserName(dir.path()), "Dana");
+    SaveUserName(dir.path(), "");
+    EXPECT_EQ(UserName(dir.path()), "");
+}
+
+TEST(InstallFiles, LetterLinesAreJoinedByCrLf) {
+    TempDir dir;
+    SavePnia(dir.path(), "שלום רב,\r\nמצורף הדו\"ח.\r\nבברכה");
+    EXPECT_EQ(Pnia(dir.path()), "שלום רב,\r\nמצורף הדו\"ח.\r\nבברכה");
+    std::ofstream(pniaPath(dir.path()), std::ios::binary) << "a\nb\n\nc";
+    EXPECT_EQ(Pnia(dir.path()), "a\r\nb\r\n\r\nc");
+    SavePnia(dir.path(), "");
+    EXPECT_EQ(Pnia(dir.path()), "");
+}
+
+TEST(InstallFiles, FailedWritesAreSwallowedAndKeepTheOldFile) {
+    TempDir dir;
+    SavePnia(dir.path(), "old");
+    // The letter's place taken by a folder: nothing can be written there.
+    const std::string blocked = dir.path() + "/blocked";
+    std::filesystem::create_directories(blocked + "/PNIA.TXT");
+    EXPECT_NO_THROW(SavePnia(blocked, "new"));
+    EXPECT_EQ(Pnia(blocked), "");
+    EXPECT_NO_THROW(SaveUserName(dir.path() + "/no/such/folder", "x"));
+    EXPECT_EQ(Pnia(dir.path()), "old");
+}
+
+}  // namespace
+}  // namespace zelmor::storage::testing
