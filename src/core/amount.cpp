@@ -2,12 +2,15 @@
 
 #include <cfenv>
 #include <limits>
+#include <ostream>
 
 namespace zelmor {
 
 void throwOverflow(const char* what) {
     throw OverflowError(std::string("overflow: a ") + what + " left the 32-bit range");
 }
+
+std::ostream& operator<<(std::ostream& os, Amount a) { return os << a.value(); }
 
 Amount R(double x) {
     // nearbyint rounds in the current mode, which is round-to-nearest-even

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <compare>
 #include <cstdint>
+#include <iosfwd>
 #include <stdexcept>
 #include <string>
 
@@ -43,6 +44,11 @@ public:
         return Amount(r);
     }
     friend Amount operator*(std::int32_t k, Amount a) { return a * k; }
+    // Whole numbers mixed with amounts stay amounts (and stay checked).
+    friend Amount operator+(Amount a, std::int32_t k) { return a + Amount(k); }
+    friend Amount operator+(std::int32_t k, Amount a) { return Amount(k) + a; }
+    friend Amount operator-(Amount a, std::int32_t k) { return a - Amount(k); }
+    friend Amount operator-(std::int32_t k, Amount a) { return Amount(k) - a; }
     friend Amount operator*(Amount a, Amount b) { return a * b.v_; }
     // A product or quotient with a rate is a double; it comes back through R().
     friend constexpr double operator*(Amount a, double r) { return a.v_ * r; }
@@ -70,6 +76,8 @@ Amount R(double x);
 // The smaller and the larger of two amounts; on a tie either.
 inline Amount MinLong(Amount a, Amount b) { return a < b ? a : b; }
 inline Amount MaxLong(Amount a, Amount b) { return a > b ? a : b; }
+
+std::ostream& operator<<(std::ostream& os, Amount a);
 
 // Checked 16-bit arithmetic for counts.
 std::int16_t addCount(std::int16_t a, std::int16_t b);
