@@ -12,7 +12,6 @@ int notYet(const char* name) {
 }  // namespace
 
 int runSolve(const Args&) { return notYet("solve"); }
-int runPrint(const Args&) { return notYet("print"); }
 int runImport(const Args&) { return notYet("import"); }
 int runExport(const Args&) { return notYet("export"); }
 int runList(const Args&) { return notYet("list"); }

@@ -1,4 +1,6 @@
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <memory>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -32,7 +34,15 @@ void usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);  // Qt's SQL and network plugins need an application object
+    // Qt's SQL and network plugins need an application object; printing lays out
+    // text, which needs a GUI application (offscreen: no display is used).
+    std::unique_ptr<QCoreApplication> app;
+    if (argc >= 2 && std::strcmp(argv[1], "print") == 0) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        app = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
     QCoreApplication::setApplicationName("Zelmor");
     std::ios::sync_with_stdio(false);
     if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
