@@ -33,13 +33,14 @@ int runCalc(const Args& args) {
         return 1;
     }
     const ConstDoch constants;
+    const bool pretty = !manyOutputs(o.positional);
     int status = 0;
     std::string line;
     forEachReport(
         o.positional,
         [&](NishumInput& report) {
             try {
-                line = resultDocument(CalcDoch(report, constants, madad, today));
+                line = resultDocument(CalcDoch(report, constants, madad, today), pretty);
             } catch (const OverflowError& e) {
                 std::fprintf(stderr, "zelmor-cli calc: report %s: the calculation stopped: %s\n",
                              report.NishumID().c_str(), e.what());

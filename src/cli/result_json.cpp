@@ -5,72 +5,107 @@
 namespace zelmor::cli {
 namespace {
 
-void appendInt(std::string& s, std::int64_t v) {
-    char buf[24];
-    auto r = std::to_chars(buf, buf + sizeof buf, v);
-    s.append(buf, r.ptr);
-}
+// A small writer of one JSON object with nested objects; written directly
+// rather than through a document tree, since a batch writes tens of
+// thousands of these.
+class Writer {
+public:
+    explicit Writer(bool pretty) : pretty_(pretty) { s_.reserve(pretty ? 20000 : 12000); }
 
-void appendDouble(std::string& s, double v) {
-    char buf[32];
-    auto r = std::to_chars(buf, buf + sizeof buf, v);  // shortest text that reads back the same double
-    s.append(buf, r.ptr);
-}
+    void open() {
+        s_ += '{';
+        ++depth_;
+        first_ = true;
+    }
+    void close() {
+        --depth_;
+        if (pretty_) newline();
+        s_ += '}';
+        first_ = false;
+    }
+    void key(const char* name) {
+        if (!first_) s_ += ',';
+        first_ = false;
+        if (pretty_) newline();
+        s_ += '"';
+        s_ += name;
+        s_ += pretty_ ? "\": " : "\":";
+    }
+    void integer(std::int64_t v) {
+        char buf[24];
+        s_.append(buf, std::to_chars(buf, buf + sizeof buf, v).ptr);
+    }
+    void number(double v) {
+        char buf[32];  // the shortest text that reads back the same double
+        s_.append(buf, std::to_chars(buf, buf + sizeof buf, v).ptr);
+    }
+    void text(const char* t) {
+        s_ += '"';
+        s_ += t;  // the texts written here need no escaping
+        s_ += '"';
+    }
+    void null() { s_ += "null"; }
+    std::string take() { return std::move(s_); }
+
+private:
+    void newline() {
+        s_ += '\n';
+        s_.append(static_cast<std::size_t>(2 * depth_), ' ');
+    }
+    std::string s_;
+    bool pretty_;
+    bool first_ = true;
+    int depth_ = 0;
+};
 
 }  // namespace
 
-// Written directly rather than through a document tree: a batch writes tens of
-// thousands of these.
-std::string resultDocument(const CalcResult& result) {
-    std::string s;
-    s.reserve(12000);
-    s += R"({"format":"zelmor-results","version":1,"year":)";
-    appendInt(s, ConstDoch().YEARDOCH());
-    s += R"(,"FilingMode":)";
-    appendInt(s, result.FilingMode);
-    s += R"(,"ModeTitle":")";
-    s += ModeTitle(result.FilingMode);
-    s += R"(","comparison":)";
+std::string resultDocument(const CalcResult& result, bool pretty) {
+    Writer w(pretty);
+    w.open();
+    w.key("format");
+    w.text("zelmor-results");
+    w.key("version");
+    w.integer(1);
+    w.key("year");
+    w.integer(ConstDoch().YEARDOCH());
+    w.key("FilingMode");
+    w.integer(result.FilingMode);
+    w.key("ModeTitle");
+    w.text(ModeTitle(result.FilingMode));
+    w.key("comparison");
     if (result.compared) {
-        s += R"({"joint":)";
-        appendInt(s, result.MasMeuchad.value());
-        s += R"(,"separate":)";
-        appendInt(s, result.MasNifrad.value());
-        s += '}';
+        w.open();
+        w.key("joint");
+        w.integer(result.MasMeuchad.value());
+        w.key("separate");
+        w.integer(result.MasNifrad.value());
+        w.close();
     } else {
-        s += "null";
+        w.null();
     }
-    SheetId open{};
-    for (const SheetFieldDef& f : allSheetFields()) {
-        if (f.sheet != open) {
-            s += open == SheetId{} ? ",\"" : "},\"";
-            s += f.sheetName;
-            s += "\":{";
-            open = f.sheet;
-        } else {
-            s += ',';
-        }
-        s += '"';
-        s += f.name;
-        s += "\":";
-        switch (f.type) {
-            case SheetFieldType::Amount: appendInt(s, f.ref<Amount>(result.out).value()); break;
-            case SheetFieldType::Double: appendDouble(s, f.ref<double>(result.out)); break;
-            case SheetFieldType::Date: {
-                const Date d = f.ref<Date>(result.out);
-                if (d.isNull()) {
-                    s += "null";
-                } else {
-                    s += '"';
-                    s += formatIsoDate(d);
-                    s += '"';
+    for (const SheetDef& sheet : allSheets()) {
+        w.key(sheet.name);
+        w.open();
+        for (const SheetFieldDef& f : sheetFields(sheet.id)) {
+            w.key(f.name);
+            switch (f.type) {
+                case SheetFieldType::Amount: w.integer(f.ref<Amount>(result.out).value()); break;
+                case SheetFieldType::Double: w.number(f.ref<double>(result.out)); break;
+                case SheetFieldType::Date: {
+                    const Date d = f.ref<Date>(result.out);
+                    if (d.isNull())
+                        w.null();
+                    else
+                        w.text(formatIsoDate(d).c_str());
+                    break;
                 }
-                break;
             }
         }
+        w.close();
     }
-    s += "}}";
-    return s;
+    w.close();
+    return w.take();
 }
 
 }  // namespace zelmor::cli

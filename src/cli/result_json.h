@@ -9,6 +9,7 @@ namespace zelmor::cli {
 
 // {"format": "zelmor-results", "version": 1, "year": 2015, "FilingMode": .., "ModeTitle": ..,
 //  "comparison": {..} or null, "CMain": {..}, ..., "CBL": {..}} with every field of every sheet.
-std::string resultDocument(const CalcResult& result);
+// One line, or indented for a person to read (one field a line).
+std::string resultDocument(const CalcResult& result, bool pretty = false);
 
 }  // namespace zelmor::cli

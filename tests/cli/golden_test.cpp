@@ -40,6 +40,7 @@ struct GoldenSet {
 const std::vector<GoldenSet>& goldenSets() {
     static const std::vector<GoldenSet> sets = {
         {"check", "tests/golden/reports", "tests/golden/check", {}},
+        {"calc", "tests/golden/reports", "tests/golden/calc", {"--today", "2016-06-30", "--data-dir", "{tmp}/data"}},
     };
     return sets;
 }
