@@ -1,0 +1,103 @@
+// zelmor-cli import, export, list and calc-all run as a user runs them, on the
+// golden reports.
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "cli/cli_runner.h"
+#include "storage/storage_suite.h"
+
+namespace zelmor::storage::testing {
+namespace {
+
+using zelmor::test::runCli;
+
+struct Golden {
+    std::string path, id;
+};
+
+// The golden reports that are accepted, with their ids.
+std::vector<Golden> goldenReports() {
+    std::vector<Golden> out;
+    for (const auto& e : std::filesystem::directory_iterator(std::string(ZELMOR_SOURCE_DIR) + "/tests/golden/reports")) {
+        const std::string path = e.path().string();
+        if (path.find("refused") != std::string::npos) continue;
+        const auto doc = nlohmann::json::parse(zelmor::test::readFile(path));
+        out.push_back({path, doc.at("Pratim").at("IDM").get<std::string>()});
+    }
+    std::sort(out.begin(), out.end(), [](const Golden& a, const Golden& b) { return a.id < b.id; });
+    return out;
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string l; std::getline(in, l);) out.push_back(l);
+    return out;
+}
+
+using CliStorageTest = StorageTest;
+
+TEST_P(CliStorageTest, ImportThenExportGivesBackTheNormalisedDocument) {
+    const auto golden = goldenReports();
+    ASSERT_GE(golden.size(), 3u);
+    for (const Golden& g : golden) {
+        const auto imported = runCli({"import", g.path, "--db", location_});
+        ASSERT_EQ(imported.status, 0) << imported.err;
+        const auto checked = runCli({"check", g.path});
+        const auto exported = runCli({"export", g.id, "--db", location_});
+        ASSERT_EQ(exported.status, 0) << exported.err;
+        EXPECT_EQ(exported.out, checked.out) << g.path;
+    }
+    // A refused document stores nothing and says why.
+    const auto refused =
+        runCli({"import", std::string(ZELMOR_SOURCE_DIR) + "/tests/golden/reports/refused-total.json", "--db", location_});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.out.find("\"kind\": \"input\""), std::string::npos) << refused.out;
+
+    const auto list = runCli({"list", "--db", location_, "--sort", "id"});
+    ASSERT_EQ(list.status, 0) << list.err;
+    const auto rows = lines(list.out);
+    ASSERT_EQ(rows.size(), golden.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_TRUE(rows[i].starts_with(golden[i].id + "\t")) << rows[i];
+
+    const auto missing = runCli({"export", "000000018", "--db", location_});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.err.find("000000018"), std::string::npos);
+}
+
+TEST_P(CliStorageTest, CalcAllGivesTheResultOfEveryStoredReportInIdOrder) {
+    const auto golden = goldenReports();
+    std::string batch;
+    for (const Golden& g : golden) batch += nlohmann::json::parse(zelmor::test::readFile(g.path)).dump() + "\n";
+    const auto imported = runCli({"import", "-", "--db", location_}, batch);
+    ASSERT_EQ(imported.status, 0) << imported.err;
+
+    const std::string dataDir = dir_.path() + "/data";
+    const auto all = runCli({"calc-all", "--db", location_, "--today", "2016-06-30", "--data-dir", dataDir});
+    ASSERT_EQ(all.status, 0) << all.err;
+    const auto results = lines(all.out);
+    ASSERT_EQ(results.size(), golden.size());
+    for (std::size_t i = 0; i < golden.size(); ++i) {
+        const auto one = runCli({"calc", golden[i].path, "--today", "2016-06-30", "--data-dir", dataDir});
+        EXPECT_EQ(nlohmann::json::parse(results[i]), nlohmann::json::parse(one.out)) << golden[i].path;
+    }
+}
+
+TEST_P(CliStorageTest, AnUnreachableDatabaseIsAnEnvironmentFailure) {
+    const std::string nowhere = sqlite() ? dir_.path() + "/none/D2015.BRK" : location_ + "_missing";
+    for (const char* command : {"list", "calc-all"}) {
+        const auto run = runCli({command, "--db", nowhere, "--data-dir", dir_.path() + "/data"});
+        EXPECT_EQ(run.status, 1) << command;
+        EXPECT_FALSE(run.err.empty()) << command;
+    }
+    EXPECT_EQ(runCli({"export", "1", "--db", nowhere}).status, 1);
+    EXPECT_EQ(runCli({"list", "--db", location_, "--sort", "age"}).status, 2);
+}
+
+ZELMOR_STORAGE_BACKENDS(CliStorageTest);
+
+}  // namespace
+}  // namespace zelmor::storage::testing
