@@ -10,6 +10,7 @@
 #include <iostream>
 #include <iterator>
 #include <optional>
+#include <thread>
 
 #include <nlohmann/json.hpp>
 
@@ -120,34 +121,27 @@ bool isBlankLine(std::string_view line) {
     return std::all_of(line.begin(), line.end(), [](char c) { return c == ' ' || c == '\t' || c == '\r'; });
 }
 
-// Reads one document and hands it on, or tells why it is refused. `where` names
-// the file, or the line of standard input (firstLine > 0) that holds the document.
-void readDocument(const std::string& where, std::size_t firstLine, std::string_view text,
-                  const std::function<void(NishumInput&)>& onReport,
-                  const std::function<void(const std::string&, int)>& onRefused) {
-    std::optional<NishumInput> report;
-    try {
-        report.emplace(parseReportDocument(text));
-    } catch (const InputError& e) {
-        if (e.line > 0 && firstLine > 0)  // a document of one line: the place is the input's line
-            onRefused(where + ", line " + std::to_string(firstLine + e.line - 1) + ", column " +
-                          std::to_string(e.column) + ": " + e.problem, 2);
-        else if (e.line > 0)
-            onRefused(where + ", " + e.what(), 2);
-        else if (firstLine > 0)
-            onRefused(where + ", line " + std::to_string(firstLine) + ": " + e.what(), 2);
-        else
-            onRefused(where + ": " + e.what(), 2);
-        return;
-    }
-    onReport(*report);
+struct Document {
+    std::string where;      // the file, or "standard input"
+    std::size_t firstLine;  // the line of standard input, or 0
+    std::string text;
+    std::string readError;  // the input could not be read
+};
+
+// Tells why a document is refused, with the place where it was met: the file,
+// or the line of standard input (firstLine > 0) that holds the document.
+std::string refusalMessage(const Document& doc, const InputError& e) {
+    if (e.line > 0 && doc.firstLine > 0)  // a document of one line: the place is the input's line
+        return doc.where + ", line " + std::to_string(doc.firstLine + e.line - 1) + ", column " +
+               std::to_string(e.column) + ": " + e.problem;
+    if (e.line > 0) return doc.where + ", " + e.what();
+    if (doc.firstLine > 0) return doc.where + ", line " + std::to_string(doc.firstLine) + ": " + e.what();
+    return doc.where + ": " + e.what();
 }
 
-}  // namespace
-
-std::size_t forEachReport(const std::vector<std::string>& inputs, const std::function<void(NishumInput&)>& onReport,
-                          const std::function<void(const std::string& message, int exitStatus)>& onRefused) {
-    std::size_t count = 0;
+// The documents of the inputs in input order, as texts; an input that cannot
+// be read comes as a document with its error.
+void forEachDocument(const std::vector<std::string>& inputs, const std::function<void(Document&&)>& onDocument) {
     for (const std::string& input : inputs) {
         if (input == "-") {
             std::string line;
@@ -156,35 +150,97 @@ std::size_t forEachReport(const std::vector<std::string>& inputs, const std::fun
                 ++lineNo;
                 if (isBlankLine(line)) continue;
                 if (!line.empty() && line.back() == '\r') line.pop_back();
-                ++count;
-                readDocument("standard input", lineNo, line, onReport, onRefused);
+                onDocument(Document{"standard input", lineNo, std::move(line), {}});
+                line.clear();
             }
-            if (std::cin.bad()) {
-                ++count;
-                onRefused("standard input: cannot read: " + std::string(std::strerror(errno)), 1);
-            }
+            if (std::cin.bad())
+                onDocument(Document{"standard input", 0, {}, "standard input: cannot read: " + std::string(std::strerror(errno))});
             continue;
         }
-        ++count;
         std::error_code ec;
         if (fs::is_directory(input, ec)) {
-            onRefused(input + ": cannot read: it is a folder, not a file", 1);
+            onDocument(Document{input, 0, {}, input + ": cannot read: it is a folder, not a file"});
             continue;
         }
         errno = 0;
         std::ifstream in(input, std::ios::binary);
         if (!in) {
-            onRefused(input + ": cannot read: " + std::string(errno ? std::strerror(errno) : "cannot open"), 1);
+            onDocument(Document{input, 0, {}, input + ": cannot read: " + std::string(errno ? std::strerror(errno) : "cannot open")});
             continue;
         }
         std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
         if (in.bad()) {
-            onRefused(input + ": cannot read: " + std::string(errno ? std::strerror(errno) : "read error"), 1);
+            onDocument(Document{input, 0, {}, input + ": cannot read: " + std::string(errno ? std::strerror(errno) : "read error")});
             continue;
         }
-        readDocument(input, 0, text, onReport, onRefused);
+        onDocument(Document{input, 0, std::move(text), {}});
     }
+}
+
+// One document to its outcome: the report handed on, or the refusal.
+Outcome outcomeOf(const Document& doc, const std::function<Outcome(NishumInput&)>& onReport,
+                  const std::function<Outcome(const std::string&, int)>& onRefused) {
+    if (!doc.readError.empty()) return onRefused(doc.readError, 1);
+    std::optional<NishumInput> report;
+    try {
+        report.emplace(parseReportDocument(doc.text));
+    } catch (const InputError& e) {
+        return onRefused(refusalMessage(doc, e), 2);
+    }
+    return onReport(*report);
+}
+
+}  // namespace
+
+std::size_t forEachReport(const std::vector<std::string>& inputs, const std::function<void(NishumInput&)>& onReport,
+                          const std::function<void(const std::string& message, int exitStatus)>& onRefused) {
+    std::size_t count = 0;
+    forEachDocument(inputs, [&](Document&& doc) {
+        ++count;
+        outcomeOf(
+            doc, [&](NishumInput& r) { onReport(r); return Outcome{}; },
+            [&](const std::string& m, int status) { onRefused(m, status); return Outcome{}; });
+    });
     return count;
+}
+
+int processReportsInOrder(const std::vector<std::string>& inputs, const std::function<Outcome(NishumInput&)>& onReport,
+                          const std::function<Outcome(const std::string& message, int exitStatus)>& onRefused) {
+    const unsigned threads = std::max(1u, std::min(8u, std::thread::hardware_concurrency()));
+    constexpr std::size_t kChunk = 2048;
+    std::vector<Document> chunk;
+    std::vector<Outcome> outcomes;
+    int status = 0;
+    auto flush = [&] {
+        outcomes.assign(chunk.size(), Outcome{});
+        auto work = [&](std::size_t from, std::size_t to) {
+            for (std::size_t i = from; i < to; ++i) outcomes[i] = outcomeOf(chunk[i], onReport, onRefused);
+        };
+        if (threads == 1 || chunk.size() < 64) {
+            work(0, chunk.size());
+        } else {
+            // Each thread takes a contiguous share; the results are written in input order.
+            std::vector<std::thread> pool;
+            const std::size_t share = (chunk.size() + threads - 1) / threads;
+            for (unsigned t = 1; t < threads; ++t)
+                pool.emplace_back(work, std::min(chunk.size(), t * share), std::min(chunk.size(), (t + 1) * share));
+            work(0, std::min(chunk.size(), share));
+            for (auto& th : pool) th.join();
+        }
+        for (const Outcome& o : outcomes) {
+            if (!o.message.empty()) std::cerr << o.message << '\n';
+            std::cout << o.line << '\n';
+            status = std::max(status, o.status);
+        }
+        chunk.clear();
+    };
+    forEachDocument(inputs, [&](Document&& doc) {
+        chunk.push_back(std::move(doc));
+        if (chunk.size() == kChunk) flush();
+    });
+    flush();
+    std::cout.flush();
+    return status;
 }
 
 bool manyOutputs(const std::vector<std::string>& inputs) {

@@ -62,6 +62,21 @@ std::size_t forEachReport(const std::vector<std::string>& inputs,
                           const std::function<void(NishumInput&)>& onReport,
                           const std::function<void(const std::string& message, int exitStatus)>& onRefused);
 
+// What one report gives: a line for standard output, a message for standard
+// error (or none) and an exit status.
+struct Outcome {
+    std::string line;
+    std::string message;
+    int status = 0;
+};
+
+// Every report of the inputs (read as forEachReport reads them), processed on
+// all cores; the outcomes are written in input order. onReport and onRefused
+// run on several threads at once and must not share what they change.
+// Returns the highest exit status met.
+int processReportsInOrder(const std::vector<std::string>& inputs, const std::function<Outcome(NishumInput&)>& onReport,
+                          const std::function<Outcome(const std::string& message, int exitStatus)>& onRefused);
+
 // More than one report may come: the output is JSON Lines.
 bool manyOutputs(const std::vector<std::string>& inputs);
 

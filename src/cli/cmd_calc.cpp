@@ -34,28 +34,20 @@ int runCalc(const Args& args) {
     }
     const ConstDoch constants;
     const bool pretty = !manyOutputs(o.positional);
-    int status = 0;
-    std::string line;
-    forEachReport(
+    return processReportsInOrder(
         o.positional,
         [&](NishumInput& report) {
             try {
-                line = resultDocument(CalcDoch(report, constants, madad, today), pretty);
+                return Outcome{resultDocument(CalcDoch(report, constants, madad, today), pretty), {}, 0};
             } catch (const OverflowError& e) {
-                std::fprintf(stderr, "zelmor-cli calc: report %s: the calculation stopped: %s\n",
-                             report.NishumID().c_str(), e.what());
-                line = errorDocument("overflow", e.what());
-                status = std::max(status, 3);
+                return Outcome{errorDocument("overflow", e.what()),
+                               "zelmor-cli calc: report " + report.NishumID() + ": the calculation stopped: " + e.what(),
+                               3};
             }
-            std::cout << line << '\n';
         },
         [&](const std::string& message, int exitStatus) {
-            std::fprintf(stderr, "zelmor-cli calc: %s\n", message.c_str());
-            std::cout << errorDocument(errorKind(exitStatus), message) << '\n';
-            status = std::max(status, exitStatus);
+            return Outcome{errorDocument(errorKind(exitStatus), message), "zelmor-cli calc: " + message, exitStatus};
         });
-    std::cout.flush();
-    return status;
 }
 
 }  // namespace zelmor::cli
