@@ -3,6 +3,49 @@
 #include <string>
 
 namespace zelmor::testing {
+namespace {
+
+// How often a line carries an amount, and up to how much.
+struct Line {
+    const char* section;
+    const char* name;
+    double probability;
+    std::int32_t max;
+    bool spouseOnly = false;
+};
+
+const Line kLines[] = {
+    {"Yegia", "N150", 0.5, 900000}, {"Yegia", "N250", 0.05, 30000}, {"Yegia", "N158", 0.6, 600000},
+    {"Yegia", "N068", 0.1, 150000}, {"Yegia", "N258", 0.1, 120000}, {"Yegia", "N358", 0.03, 50000},
+    {"Yegia", "N120", 0.03, 50000}, {"Yegia", "YegiaM", 0.05, 60000}, {"Yegia", "N069", 0.05, 60000, true},
+    {"Yegia", "N272", 0.05, 60000, true}, {"Yegia", "YegiaF", 0.05, 30000, true}, {"Yegia", "N301", 0.15, 200000, true},
+    {"Yegia", "N302", 0.03, 50000, true}, {"Yegia", "N305", 0.1, 80000, true}, {"Yegia", "N059", 0.1, 100000},
+    {"Yegia", "N167", 0.1, 60000}, {"Yegia", "N201", 0.2, 200000}, {"Yegia", "N204", 0.05, 100000},
+    {"Yegia", "N205", 0.1, 80000}, {"Rechush", "N061", 0.03, 50000}, {"Rechush", "N060", 0.1, 40000},
+    {"Rechush", "N055", 0.05, 50000}, {"Rechush", "N053", 0.05, 80000}, {"Rechush", "N214", 0.04, 60000},
+    {"Rechush", "N211", 0.15, 60000}, {"Rechush", "N212", 0.1, 60000}, {"Rechush", "N213", 0.08, 120000},
+    {"Rechush", "N217", 0.1, 40000}, {"Rechush", "N222", 0.05, 60000}, {"Rechush", "N225", 0.02, 30000},
+    {"Rechush", "N227", 0.02, 20000}, {"Rechush", "N228", 0.05, 40000}, {"Rechush", "N241", 0.05, 40000},
+    {"Rechush", "N226", 0.05, 30000}, {"Rechush", "N242", 0.05, 30000}, {"Rechush", "N257", 0.05, 30000},
+    {"Rechush", "N311", 0.1, 40000, true}, {"Rechush", "N313", 0.05, 80000, true},
+    {"Rechush", "N314", 0.03, 40000, true}, {"Rechush", "N317", 0.1, 40000, true},
+    {"Rechush", "N312", 0.05, 40000, true}, {"Rechush", "N326", 0.03, 20000, true},
+    {"Pturot", "Reali", 0.03, 50000}, {"Pturot", "Reali25", 0.03, 50000}, {"Pturot", "Infla", 0.03, 20000},
+    {"Pturot", "N256Revach", 0.05, 40000}, {"Nikuim", "N136", 0.2, 20000}, {"Nikuim", "N218", 0.1, 300000},
+    {"Nikuim", "N135", 0.35, 40000}, {"Nikuim", "N030", 0.35, 60000}, {"Nikuim", "N005", 0.02, 60000},
+    {"Nikuim", "N116", 0.02, 60000}, {"Nikuim", "N118", 0.02, 60000}, {"Nikuim", "N112", 0.15, 8000},
+    {"Nikuim", "N206", 0.1, 4000}, {"Nikuim", "N248", 0.2, 30000}, {"Nikuim", "N137", 0.1, 15000, true},
+    {"Nikuim", "N180", 0.25, 30000, true}, {"Nikuim", "N089", 0.2, 30000, true}, {"Nikuim", "N113", 0.05, 5000, true},
+    {"Nikuim", "N249", 0.2, 20000, true}, {"Zikuim", "N036", 0.3, 12000}, {"Zikuim", "N045", 0.3, 15000},
+    {"Zikuim", "N268", 0.05, 10000}, {"Zikuim", "N140", 0.1, 5000}, {"Zikuim", "N132", 0.02, 60000},
+    {"Zikuim", "N037", 0.15, 20000}, {"Zikuim", "N143", 0.01, 5000}, {"Zikuim", "AcherimM", 0.02, 3000},
+    {"Zikuim", "N081", 0.2, 8000, true}, {"Zikuim", "N086", 0.3, 12000, true}, {"Zikuim", "N237", 0.1, 10000, true},
+    {"Zikuim", "AcherimF", 0.02, 3000, true}, {"Tashlumim", "N042M", 0.5, 150000},
+    {"Tashlumim", "N042F", 0.5, 60000, true}, {"Tashlumim", "N043M", 0.1, 10000},
+    {"Tashlumim", "MikdamotM", 0.3, 80000}, {"Tashlumim", "TashlumimM", 0.05, 20000},
+};
+
+}  // namespace
 
 std::int32_t ReportGenerator::amount(double probability, std::int32_t max) {
     if (!chance(probability)) return 0;
@@ -35,90 +78,21 @@ NishumInput ReportGenerator::next() {
     const bool spouse = p.isNasuy && chance(0.9);
     if (spouse) p.BirthDateF = birth(1935, 1999);
 
-    auto& y = n.Yegia;
-    y.N150 = amount(0.5, 900000);
-    y.N250 = amount(0.05, 30000);
-    y.N158 = amount(0.6, 600000);
-    y.N068 = amount(0.1, 150000);
-    y.N258 = amount(0.1, 120000);
-    y.N358 = amount(0.03, 50000);
-    y.N120 = amount(0.03, 50000);
-    y.YegiaM = amount(0.05, 60000);
+    for (const Line& line : kLines)
+        if (spouse || !line.spouseOnly) findField(line.section, line.name)->ref<Amount>(n) = amount(line.probability, line.max);
     if (spouse) {
-        // Spouses' incomes across the thresholds of the filing tests.
-        const double scale = chance(0.3) ? 30000 : chance(0.5) ? 120000 : 500000;
-        y.N170 = amount(0.4, static_cast<std::int32_t>(scale));
-        y.N172 = amount(0.6, static_cast<std::int32_t>(scale));
-        y.N069 = amount(0.05, 60000);
-        y.N272 = amount(0.05, 60000);
-        y.YegiaF = amount(0.05, 30000);
-        y.N301 = amount(0.15, 200000);
-        y.N302 = amount(0.03, 50000);
-        y.N305 = amount(0.1, 80000);
+        // The spouse's income across the thresholds of the filing tests.
+        const std::int32_t scale = chance(0.3) ? 30000 : chance(0.5) ? 120000 : 500000;
+        n.Yegia.N170 = amount(0.4, scale);
+        n.Yegia.N172 = amount(0.6, scale);
+        n.Nikuim.N245 = n.Yegia.N172 > 0 && chance(0.4) ? Amount(n.Yegia.N172.value() / 2) : Amount(0);
     }
-    y.N059 = amount(0.1, 100000);
-    y.N167 = amount(0.1, 60000);
-    y.N201 = amount(0.2, 200000);
-    y.N204 = amount(0.05, 100000);
-    y.N205 = amount(0.1, 80000);
-
-    auto& r = n.Rechush;
-    r.N061 = amount(0.03, 50000);
-    r.N060 = amount(0.1, 40000);
-    r.N055 = amount(0.05, 50000);
-    r.N053 = amount(0.05, 80000);
-    r.N214 = amount(0.04, 60000);
-    r.N211 = amount(0.15, 60000);
-    r.N212 = amount(0.1, 60000);
-    r.N213 = amount(0.08, 120000);
-    r.N217 = amount(0.1, 40000);
-    r.N222 = amount(0.05, 60000);
-    r.N225 = amount(0.02, 30000);
-    r.N227 = amount(0.02, 20000);
-    r.N228 = amount(0.05, 40000);
-    r.N241 = amount(0.05, 40000);
-    r.N226 = amount(0.05, 30000);
-    r.N242 = amount(0.05, 30000);
-    r.N257 = amount(0.05, 30000);
+    n.Nikuim.N244 = n.Yegia.N158 > 0 && chance(0.4) ? Amount(n.Yegia.N158.value() / 2) : Amount(0);
     if (chance(0.1)) {
-        r.AcheretRate = pick(5, 60);
-        r.AcheretM = amount(0.7, 80000);
-        r.Acheret = amount(0.3, 40000);
-    }
-    if (spouse) {
-        r.N311 = amount(0.1, 40000);
-        r.N313 = amount(0.05, 80000);
-        r.N314 = amount(0.03, 40000);
-        r.N317 = amount(0.1, 40000);
-        r.N312 = amount(0.05, 40000);
-        r.N326 = amount(0.03, 20000);
-        if (r.AcheretRate != 0) r.AcheretF = amount(0.5, 50000);
-    }
-    auto& t = n.Pturot;
-    t.Reali = amount(0.03, 50000);
-    t.Reali25 = amount(0.03, 50000);
-    t.Infla = amount(0.03, 20000);
-    t.N256Revach = amount(0.05, 40000);
-
-    auto& k = n.Nikuim;
-    k.N136 = amount(0.2, 20000);
-    k.N218 = amount(0.1, 300000);
-    k.N135 = amount(0.35, 40000);
-    k.N030 = amount(0.35, 60000);
-    k.N005 = amount(0.02, 60000);
-    k.N116 = amount(0.02, 60000);
-    k.N118 = amount(0.02, 60000);
-    k.N112 = amount(0.15, 8000);
-    k.N206 = amount(0.1, 4000);
-    k.N244 = y.N158 > 0 && chance(0.4) ? Amount(y.N158.value() / 2) : Amount(0);
-    k.N248 = amount(0.2, 30000);
-    if (spouse) {
-        k.N137 = amount(0.1, 15000);
-        k.N180 = amount(0.25, 30000);
-        k.N089 = amount(0.2, 30000);
-        k.N113 = amount(0.05, 5000);
-        k.N245 = y.N172 > 0 && chance(0.4) ? Amount(y.N172.value() / 2) : Amount(0);
-        k.N249 = amount(0.2, 20000);
+        n.Rechush.AcheretRate = pick(5, 60);
+        n.Rechush.AcheretM = amount(0.7, 80000);
+        n.Rechush.Acheret = amount(0.3, 40000);
+        if (spouse) n.Rechush.AcheretF = amount(0.5, 50000);
     }
 
     auto& e = n.Nekudot;
@@ -128,12 +102,8 @@ NishumInput ReportGenerator::next() {
     e.N026 = !p.isNasuy && chance(0.4);
     e.N028 = chance(0.03);
     if (chance(0.6)) {
-        e.N260_1 = static_cast<std::int16_t>(pick(0, 1));
-        e.N260_2 = static_cast<std::int16_t>(pick(0, 2));
-        e.N260_3 = static_cast<std::int16_t>(pick(0, 1));
-        e.N260_4 = static_cast<std::int16_t>(pick(0, 2));
-        e.N260_5 = static_cast<std::int16_t>(pick(0, 3));
-        e.N260_6 = static_cast<std::int16_t>(pick(0, 1));
+        std::int16_t* bands[] = {&e.N260_1, &e.N260_2, &e.N260_3, &e.N260_4, &e.N260_5, &e.N260_6};
+        for (std::int16_t* b : bands) *b = static_cast<std::int16_t>(pick(0, 2));
     }
     e.N029 = chance(0.05);
     e.N129 = spouse && chance(0.05);
@@ -147,34 +117,11 @@ NishumInput ReportGenerator::next() {
     }
     e.N181 = static_cast<std::int16_t>(chance(0.1) ? pick(1, 5) : 0);
     e.N182 = static_cast<std::int16_t>(spouse && chance(0.1) ? pick(1, 5) : 0);
-
-    auto& z = n.Zikuim;
-    z.N036 = amount(0.3, 12000);
-    z.N045 = amount(0.3, 15000);
-    z.N268 = amount(0.05, 10000);
-    z.N140 = amount(0.1, 5000);
-    z.N132 = amount(0.02, 60000);
-    z.N037 = amount(0.15, 20000);
-    z.N143 = amount(0.01, 5000);
-    z.AcherimM = amount(0.02, 3000);
     if (chance(0.05)) {
-        z.N093 = pick(1, 2);
-        z.N093Rate = z.N093 == 1 ? 13 : 20;
-        z.N093Month = pick(1, 12);
+        n.Zikuim.N093 = pick(1, 2);
+        n.Zikuim.N093Rate = n.Zikuim.N093 == 1 ? 13 : 20;
+        n.Zikuim.N093Month = pick(1, 12);
     }
-    if (spouse) {
-        z.N081 = amount(0.2, 8000);
-        z.N086 = amount(0.3, 12000);
-        z.N237 = amount(0.1, 10000);
-        z.AcherimF = amount(0.02, 3000);
-    }
-
-    auto& s = n.Tashlumim;
-    s.N042M = amount(0.5, 150000);
-    s.N042F = spouse ? amount(0.5, 60000) : 0;
-    s.N043M = amount(0.1, 10000);
-    s.MikdamotM = amount(0.3, 80000);
-    s.TashlumimM = amount(0.05, 20000);
 
     n.Klaliim.isTlutYes = spouse && chance(0.3);
     n.Klaliim.isTlutNo = !n.Klaliim.isTlutYes;
