@@ -41,7 +41,9 @@ int runCalc(const Args& args) {
                 return Outcome{resultDocument(CalcDoch(report, constants, madad, today), pretty), {}, 0};
             } catch (const OverflowError& e) {
                 return Outcome{errorDocument("overflow", e.what()),
-                               "zelmor-cli calc: report " + report.NishumID() + ": the calculation stopped: " + e.what(),
+                               "zelmor-cli calc: report " +
+                                   (report.NishumID().empty() ? std::string("with no id") : report.NishumID()) +
+                                   ": the calculation stopped: " + e.what(),
                                3};
             }
         },
