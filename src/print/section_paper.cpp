@@ -311,17 +311,17 @@ const std::vector<Line>& pratimLines() {
         {{Title(5, "ב. פרטים אישיים")}, 1},
         HeavyRule(),
         {{Head(17, kM), Head(60, kF)}, 1},
-        pairs({{20, {"ת.ז.: ", "IDM"}}, {32, {"שם משפחה: ", "LastNameM"}}, {60, {"ת.ז.: ", "IDF"}},
-               {72, {"משפחה: ", "LastNameF"}}}),
-        pairs({{20, {"שם פרטי: ", "FirstNameM"}}, {32, {"שם האב: ", "FatherNameM"}}, {60, {"פרטי: ", "FirstNameF"}},
-               {72, {"שם האב: ", "FatherNameF"}}}),
+        pairs({{20, {"ת.ז.: ", "IDM"}}, {38, {"שם משפחה: ", "LastNameM"}}, {60, {"ת.ז.: ", "IDF"}},
+               {78, {"משפחה: ", "LastNameF"}}}),
+        pairs({{20, {"שם פרטי: ", "FirstNameM"}}, {38, {"שם האב: ", "FatherNameM"}}, {60, {"פרטי: ", "FirstNameF"}},
+               {78, {"שם האב: ", "FatherNameF"}}}),
         pairs({{20, {"תאריך לידה: ", "BirthDateM"}}, {60, {"לידה: ", "BirthDateF"}}}, 1),
         {{}, 0.5, {{5, 90, 1}}},
         {{{.col = 7, .text = "כתובת לדואר: ", .field = "MailAddress"}}, 1},
         {{{.col = 7, .text = "כתובת מגורים: ", .field = "Address"}}, 1},
         [] {
-            Line l = pairs({{20, {"בית: ", "PhoneH"}}, {32, {"עבודה: ", "PhoneWM"}}, {60, {"עבודה: ", "PhoneWF"}},
-                            {72, {"פקס: ", "Fax"}}});
+            Line l = pairs({{20, {"בית: ", "PhoneH"}}, {38, {"עבודה: ", "PhoneWM"}}, {60, {"עבודה: ", "PhoneWF"}},
+                            {78, {"פקס: ", "Fax"}}});
             l.cells.insert(l.cells.begin(), L(7, "טלפונים:"));
             return l;
         }(),
@@ -329,8 +329,8 @@ const std::vector<Line>& pratimLines() {
         pairs({{20, {"שם העסק: ", "BusinessNameM"}}, {60, {"", "BusinessNameF"}}}),
         pairs({{20, {"כתובת העסק: ", "BusinessAddressM"}}, {60, {"", "BusinessAddressF"}}}),
         [] {
-            Line l = pairs({{20, {"ניכויים: ", "TikNikuimM"}}, {32, {"מע\"מ: ", "TikMaamM"}},
-                            {60, {"ניכויים: ", "TikNikuimF"}}, {72, {"מע\"מ: ", "TikMaamF"}}});
+            Line l = pairs({{20, {"ניכויים: ", "TikNikuimM"}}, {38, {"מע\"מ: ", "TikMaamM"}},
+                            {60, {"ניכויים: ", "TikNikuimF"}}, {78, {"מע\"מ: ", "TikMaamF"}}});
             l.cells.insert(l.cells.begin(), L(7, "מספר תיק:"));
             return l;
         }(),
