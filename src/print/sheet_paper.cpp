@@ -239,8 +239,9 @@ void printZikuim(SheetPrinter& s) {
     });
     p.NextLine(1);
     const QString pay = QStringLiteral("תשלום"), allowed = QStringLiteral("הותר"), pct = QStringLiteral("%");
-    s.heads({{17, pay}, {27, allowed}, {37, pct}, {52, pay}, {62, allowed}, {72, pct}}, true);
-    const std::initializer_list<double> cols = {17, 27, 37, 40, 52, 62, 72, 75};
+    // The payment stands two columns clear of the longest captions.
+    s.heads({{19, pay}, {27, allowed}, {37, pct}, {52, pay}, {62, allowed}, {72, pct}}, true);
+    const std::initializer_list<double> cols = {19, 27, 37, 40, 52, 62, 72, 75};
     s.details(1, [&](const SheetRow& r) { s.cells(r, cols); });
     if (s.shown(s.row("ODEF"))) {
         s.cells(s.row("ODEF"), cols);
