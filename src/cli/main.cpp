@@ -17,7 +17,7 @@ struct Command {
 
 const Command kCommands[] = {
     {"check", zelmor::cli::runCheck, "check REPORT.json... | -            validate; print the normalised document"},
-    {"calc", zelmor::cli::runCalc, "calc REPORT.json... | - [--today YYYY-MM-DD] [--data-dir DIR]"},
+    {"calc", zelmor::cli::runCalc, "calc REPORT.json... | - [--today YYYY-MM-DD] [--data-dir DIR] [--summary]"},
     {"solve", zelmor::cli::runSolve, "solve --question 1|2|3|4 [--sum N] REPORT.json [--today ...] [--data-dir ...]"},
     {"print", zelmor::cli::runPrint, "print REPORT.json --pdf OUT.pdf [--report] [--results] [--bl] [--today ...]"},
     {"import", zelmor::cli::runImport, "import REPORT.json [--db DB]      store under its id"},
