@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include "pdf_text.h"
@@ -20,136 +19,115 @@ NishumInput sampleReport() {
     NishumInput r;
     r.Pratim.FirstNameM = "ישראל";
     r.Pratim.LastNameM = "כהן";
-    r.Pratim.isFemale = true;
-    r.Pratim.isNasuy = true;
+    r.Pratim.isFemale = r.Pratim.isNasuy = r.Klaliim.isHul = true;
     r.Yegia.N150 = 123456;
     r.Yegia.N170 = -5000;
     r.Yegia.N205 = 4321;
     r.Nekudot.N181 = 2;
     r.Zikuim.N093 = 1;
-    r.Klaliim.isHul = true;
     return r;
 }
 
-// All of one job in one file; the pages as text.
+// All of one job in one file, read back.
+struct Paper {
+    QStringList pages;
+    std::vector<PdfWord> words;
+    double lineOfWord(const char* text) const { return lineOf(findWord(words, QString::fromUtf8(text))); }
+};
 template <class Job>
-QStringList printed(const QString& name, Job job, std::vector<PdfWord>* words = nullptr) {
+Paper printed(const QString& name, Job job) {
     const QString path = tempPdfPath(name);
     PdfFileTarget target(path);
     EXPECT_TRUE(job(target));
     QString error;
     EXPECT_TRUE(target.finish(&error)) << error.toStdString();
-    if (words) *words = pdfWords(path);
-    return pdfPages(path);
+    return {pdfPages(path), pdfWords(path)};
 }
 
-bool anyPageHas(const QStringList& pages, const QString& phrase) {
-    for (const QString& p : pages)
-        if (hasPhrase(p, phrase)) return true;
-    return false;
+// Phrases compare by skeleton; exact texts (digits beside marks) as they stand.
+void expectOnPaper(const QStringList& pages, std::initializer_list<const char*> phrases,
+                   std::initializer_list<const char*> exact = {}, bool present = true) {
+    const QString all = pages.join(QLatin1Char('\n'));
+    for (const char* p : phrases) EXPECT_EQ(anyPageHas(pages, QString::fromUtf8(p)), present) << p;
+    for (const char* e : exact) EXPECT_EQ(all.contains(QString::fromUtf8(e)), present) << e;
 }
 
 }  // namespace
 
-TEST(ReportOnPaper, NineSectionsWithCodesAmountsAndBlanks) {
-    const NishumInput r = sampleReport();
-    std::vector<PdfWord> words;
-    const QStringList pages =
-        printed(QStringLiteral("report.pdf"), [&](PrintTarget& t) { return PrintNishum(t, kSetup, r, false); }, &words);
+TEST(ReportOnPaper, NineSectionsWithCodesAmountsAndGaps) {
+    const Paper report =
+        printed(QStringLiteral("report.pdf"), [](PrintTarget& t) { return PrintNishum(t, kSetup, sampleReport(), false); });
+    const QStringList& pages = report.pages;
     ASSERT_GE(pages.size(), 3);
-    const QString all = pages.join(QLatin1Char('\n'));
-
+    expectPageNumbers(pages);
     // The titles, in the order of the form.
+    const QString all = skeleton(pages.join(QLatin1Char('\n')));
     qsizetype at = -1;
     for (const char* title : {"ב. פרטים אישיים", "ג. הכנסות מיגיעה אישית", "ה. הכנסות מרכוש בשעורי מס מיוחדים",
                               "ז. נתונים נוספים", "יב. ניכויים אישיים", "יג. נקודות זיכוי", "יד. זיכויים",
                               "טו. ניכוי במקור ותשלומים", "א. פרטים כלליים"}) {
-        const QString want = skeleton(QString::fromUtf8(title));
-        const qsizetype found = skeleton(all).indexOf(want);
+        const qsizetype found = all.indexOf(skeleton(QString::fromUtf8(title)));
         EXPECT_GT(found, at) << title;
         at = found;
     }
-    // Amounts with their codes; a negative amount has its minus behind the
-    // digits, which in right-to-left reading stands on their left.
-    EXPECT_TRUE(all.contains(QStringLiteral("123,456 :150")));
-    EXPECT_TRUE(all.contains(QStringLiteral("-5,000 :170")));
-    // Lines without amounts keep their codes.
-    EXPECT_TRUE(all.contains(QStringLiteral(":250")));
-    EXPECT_TRUE(all.contains(QStringLiteral(":372")));
-    // Lists, marks and the female form of the marital line.
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("תואר 2")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("גבול הצפון (תקרה 193,080)")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("מצב משפחתי: נקבה נשואה")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("x בשנת המס היו לי או למשפחתי נכסים בחו\"ל")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("דו\"ח זה כולל את הכנסותי ואת הכנסות הנאמנות")));
-    for (int i = 0; i < pages.size(); ++i)
-        EXPECT_TRUE(pages[i].contains(QRegularExpression(QStringLiteral("-\\s*%1\\s*-").arg(i + 1))));
-
+    // Captions with their codes, with or without amounts; a negative amount has
+    // its minus behind the digits, which in right-to-left reading stands on
+    // their left. Lists, marks and the female form of the marital line.
+    expectOnPaper(pages,
+                  {"תואר 2", "גבול הצפון (תקרה 193,080)", "מצב משפחתי: נקבה נשואה",
+                   "x בשנת המס היו לי או למשפחתי נכסים בחו\"ל", "דו\"ח זה כולל את הכנסותי ואת הכנסות הנאמנות"},
+                  {"123,456 :150", "-5,000 :170", ":250", ":372"});
     // Three lines between sections: the last row of one, the title of the next.
-    const PdfWord lastRow = findWord(words, QStringLiteral("4,321"));
-    const PdfWord nextTitle = findWord(words, QStringLiteral("12-25"));
-    ASSERT_EQ(lastRow.page, nextTitle.page);
-    EXPECT_DOUBLE_EQ(lineOf(nextTitle) - lineOf(lastRow), 3);
-}
+    ASSERT_EQ(findWord(report.words, QStringLiteral("4,321")).page, findWord(report.words, QStringLiteral("12-25")).page);
+    EXPECT_DOUBLE_EQ(report.lineOfWord("12-25") - report.lineOfWord("4,321"), 3);
 
-TEST(ReportOnPaper, OneSectionAlone) {
-    const QStringList pages = printed(QStringLiteral("section.pdf"), [](PrintTarget& t) {
-        return PrintNishum(t, kSetup, NishumInput{}, true, SectionId::Tashlumim);
-    });
-    ASSERT_EQ(pages.size(), 1);
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("טו. ניכוי במקור ותשלומים")));
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("77. ניכוי במקור מריבית (סעיף 18,19)")));
-    EXPECT_FALSE(hasPhrase(pages[0], QStringLiteral("ג. הכנסות מיגיעה אישית")));
+    // The current section alone.
+    const QStringList one = printed(QStringLiteral("section.pdf"), [](PrintTarget& t) {
+                                return PrintNishum(t, kSetup, NishumInput{}, true, SectionId::Tashlumim);
+                            }).pages;
+    EXPECT_EQ(one.size(), 1);
+    expectOnPaper(one, {"טו. ניכוי במקור ותשלומים", "77. ניכוי במקור מריבית (סעיף 18,19)"});
+    expectOnPaper(one, {"ג. הכנסות מיגיעה אישית"}, {}, false);
 }
 
 TEST(ResultsOnPaper, EmptySheetsTakeBackTheirGapAndInsuranceWaitsForItsOwnJob) {
     NishumOutput out;
     out.Main.HachnasotM = 280000;
     out.Main.Itra = -4928;
-    out.Main.ItraDate = *Date::fromYmd(2016, 5, 1);
-    out.Main.RibitDate = *Date::fromYmd(2016, 5, 1);
+    out.Main.ItraDate = out.Main.RibitDate = *Date::fromYmd(2016, 5, 1);
     out.Main.Ribit = 77;
     out.Main.PtorRibit = 12;
-    out.Tashlumim.N042M = 4242;
-    out.Tashlumim.TTL = 4242;
+    out.Tashlumim.N042M = out.Tashlumim.TTL = 4242;
     out.BL.BLM_AZMAI_MUF = 55555;
     const NishumInput r = sampleReport();
-    std::vector<PdfWord> words;
-    const QStringList pages = printed(
-        QStringLiteral("results.pdf"), [&](PrintTarget& t) { return PrintNishum(t, kSetup, r, out, false, false); },
-        &words);
+    const Paper sheets =
+        printed(QStringLiteral("results.pdf"), [&](PrintTarget& t) { return PrintNishum(t, kSetup, r, out, false, false); });
+    const QStringList& pages = sheets.pages;
     ASSERT_EQ(pages.size(), 1);
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("חישוב המס המגיע לשנת 2015")));
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("280,000")));
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("-4,928")));
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("ריבית והצמדה ליום 01/05/2016 בניכוי פטור 12")));
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("6. תשלומים על חשבון המס לשנת 2015")));
-    EXPECT_FALSE(hasPhrase(pages[0], QStringLiteral("1. הכנסות בשיעורי מס רגילים")));
-    EXPECT_FALSE(hasPhrase(pages[0], QStringLiteral("חבות משוערת בדמי ביטוח לאומי")));
-    EXPECT_FALSE(pages[0].contains(QStringLiteral("55,555")));
+    expectOnPaper(pages,
+                  {"חישוב המס המגיע לשנת 2015", "ריבית והצמדה ליום 01/05/2016 בניכוי פטור 12",
+                   "6. תשלומים על חשבון המס לשנת 2015"},
+                  {"280,000", "-4,928"});
+    expectOnPaper(pages, {"1. הכנסות בשיעורי מס רגילים", "חבות משוערת בדמי ביטוח לאומי"}, {"55,555"}, false);
     // After the summary's last line the payments sheet follows one gap (3
     // lines) lower; its first row stands 2.5 lines under its title. The five
     // empty sheets between cost nothing.
-    EXPECT_DOUBLE_EQ(lineOf(findWord(words, QStringLiteral("4,242"))) - lineOf(findWord(words, QStringLiteral("-4,928"))),
-                     1 + 3 + 2.5);
+    EXPECT_DOUBLE_EQ(sheets.lineOfWord("4,242") - sheets.lineOfWord("-4,928"), 1 + 3 + 2.5);
 
-    const QStringList bl = printed(QStringLiteral("bl.pdf"),
-                                   [&](PrintTarget& t) { return PrintNishum(t, kSetup, r, out, false, true); });
+    const QStringList bl =
+        printed(QStringLiteral("bl.pdf"), [&](PrintTarget& t) { return PrintNishum(t, kSetup, r, out, false, true); }).pages;
     ASSERT_EQ(bl.size(), 1);
-    EXPECT_TRUE(hasPhrase(bl[0], QStringLiteral("חבות משוערת בדמי ביטוח לאומי")));
-    EXPECT_TRUE(bl[0].contains(QStringLiteral("55,555")));
-    EXPECT_TRUE(bl[0].contains(QStringLiteral("9.82%")));  // the rate comes from the year's constants
-    EXPECT_FALSE(hasPhrase(bl[0], QStringLiteral("חישוב המס המגיע לשנת 2015")));
+    // The rate comes from the year's constants.
+    expectOnPaper(bl, {"חבות משוערת בדמי ביטוח לאומי"}, {"55,555", "9.82%"});
+    expectOnPaper(bl, {"חישוב המס המגיע לשנת 2015"}, {}, false);
 }
 
 TEST(ResultsOnPaper, SheetRowsColumnsAndTotals) {
     NishumOutput out;
-    out.Hachnasot.N158 = 96000;
+    out.Hachnasot.N158 = out.Hachnasot.TTLM = 96000;
     out.Hachnasot.N172 = 1000;
-    out.Hachnasot.TTLM = 96000;
-    out.Hishuv.MSUM_1 = 63240;
+    out.Hishuv.MSUM_1 = out.Hishuv.MSUM_TTL = 63240;
     out.Hishuv.MMAS_1 = 6324;
-    out.Hishuv.MSUM_TTL = 63240;
     out.Meyuchad.N211 = 9000;
     out.Meyuchad.NIKUY_211 = 1000;
     out.Meyuchad.NET_211 = 8000;
@@ -159,24 +137,18 @@ TEST(ResultsOnPaper, SheetRowsColumnsAndTotals) {
     out.Zikuim.ZIKUY_020F = 5886;
     out.Zikuim.ZIKUY_TTL_F = 5886;
     const QStringList pages = printed(QStringLiteral("sheets.pdf"), [&](PrintTarget& t) {
-        return PrintNishum(t, kSetup, NishumInput{}, out, false, false);
-    });
-    const QString all = pages.join(QLatin1Char('\n'));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("סעיף 3 - משכורת")));
-    EXPECT_FALSE(anyPageHas(pages, QStringLiteral("סעיף 1 - עסק ומשלח יד")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("סה\"כ הכנסה בשיעורי מס רגילים")));
-    EXPECT_TRUE(all.contains(QStringLiteral("10.00%")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("13. רווח מני\"ע ודיב.")));
-    EXPECT_TRUE(anyPageHas(pages, QStringLiteral("בניכוי 1,000")));
-    // Mixed runs read right to left: "15% =" and "2,616 X" stand so on paper.
-    EXPECT_TRUE(all.contains(QStringLiteral("= 15%")));
-    // Points with two decimals, the worth of a point whole.
-    EXPECT_TRUE(all.contains(QStringLiteral("2.25")));
-    EXPECT_TRUE(all.contains(QStringLiteral("X 2,616")));
-    EXPECT_FALSE(anyPageHas(pages, QStringLiteral("סכום ששולם")));  // nothing paid: no deductions sheet
+                                  return PrintNishum(t, kSetup, NishumInput{}, out, false, false);
+                              }).pages;
+    // Rates, points with two decimals, the worth of a point whole; mixed runs
+    // read right to left: "15% =" and "2,616 X" stand so on paper.
+    expectOnPaper(pages,
+                  {"סעיף 3 - משכורת", "סה\"כ הכנסה בשיעורי מס רגילים", "13. רווח מני\"ע ודיב.", "בניכוי 1,000"},
+                  {"10.00%", "= 15%", "2.25", "X 2,616"});
+    // Nothing paid: no deductions sheet.
+    expectOnPaper(pages, {"סעיף 1 - עסק ומשלח יד", "סכום ששולם"}, {}, false);
 }
 
-TEST(PrintDialog, JobsAndTheirOrder) {
+TEST(PrintDialog, JobsTheirOrderAndTheCalculationFirst) {
     using J = PrintJob;
     EXPECT_TRUE(printJobs({}, true).empty());
     EXPECT_EQ(printJobs({.details = true, .bl = true, .currPage = true, .calc = true}, true),
@@ -188,9 +160,8 @@ TEST(PrintDialog, JobsAndTheirOrder) {
     NishumOutput out;
     int calculations = 0;
     PrintSession session{&r, &out, SectionId::Pratim, SheetId::CMain, true, [&](NishumOutput& o) {
-                             ++calculations;
                              o.Main.HachnasotM = 1;
-                             return calculations == 1;
+                             return ++calculations == 1;
                          }};
     PdfFileTarget target(tempPdfPath(QStringLiteral("dialog.pdf")));
     EXPECT_EQ(runPrintJobs(target, kSetup, {.details = true, .calc = true}, session), 2);
@@ -202,23 +173,26 @@ TEST(PrintDialog, JobsAndTheirOrder) {
 TEST(PrintCommand, WritesThePdfOrRefusesWithTheExitStatus) {
     const QString cli = QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli");
     if (!QFile::exists(cli)) GTEST_SKIP() << "zelmor-cli is not built";
+    // The data folder holds the user's name and the covering letter for the head.
     QTemporaryDir dir;
-    auto run = [&](const QStringList& args) {
+    for (auto [name, text] : {std::pair{"USERZELW.NAM", "  משרד לוי  \n"}, std::pair{"PNIA.TXT", "שורה א\r\nשורה ב\r\n"}}) {
+        QFile f(dir.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text);
+    }
+    const QString out = dir.filePath(QStringLiteral("out.pdf"));
+    auto run = [&](QStringList args) {
         QProcess p;
-        p.start(cli, QStringList{QStringLiteral("print")} + args);
+        p.start(cli, QStringList{QStringLiteral("print"), QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json")} +
+                         args);
         EXPECT_TRUE(p.waitForFinished(60000));
         return p.exitCode();
     };
-    const QString out = dir.filePath(QStringLiteral("out.pdf"));
-    const QString example = QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json");
-    EXPECT_EQ(run({example}), 2);  // no --pdf
-    EXPECT_EQ(run({example, QStringLiteral("--pdf"), out, QStringLiteral("--today"), QStringLiteral("2016-02-30")}), 2);
+    EXPECT_EQ(run({}), 2);  // no --pdf
+    EXPECT_EQ(run({QStringLiteral("--pdf"), out, QStringLiteral("--today"), QStringLiteral("2016-02-30")}), 2);
     EXPECT_FALSE(QFile::exists(out));
-    ASSERT_EQ(run({example, QStringLiteral("--pdf"), out, QStringLiteral("--bl"), QStringLiteral("--today"),
+    ASSERT_EQ(run({QStringLiteral("--pdf"), out, QStringLiteral("--bl"), QStringLiteral("--today"),
                    QStringLiteral("2016-05-01"), QStringLiteral("--data-dir"), dir.path()}),
               0);
-    const QStringList pages = pdfPages(out);
-    ASSERT_FALSE(pages.isEmpty());
-    EXPECT_TRUE(hasPhrase(pages[0], QStringLiteral("חבות משוערת בדמי ביטוח לאומי")));
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("01/05/2016")));
+    expectOnPaper(pdfPages(out), {"חבות משוערת בדמי ביטוח לאומי", "משרד לוי", "שורה א", "שורה ב"}, {"01/05/2016"});
 }
