@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace zelmor {
 namespace {
 
@@ -10,26 +12,17 @@ Date ymd(int y, int m, int d) { return *Date::fromYmd(y, m, d); }
 TEST(Date, FromYmdRefusesDaysThatDoNotExist) {
     EXPECT_TRUE(Date::fromYmd(2016, 2, 29));
     EXPECT_TRUE(Date::fromYmd(2000, 2, 29));
-    EXPECT_FALSE(Date::fromYmd(2015, 2, 29));
-    EXPECT_FALSE(Date::fromYmd(1900, 2, 29));
-    EXPECT_FALSE(Date::fromYmd(2015, 4, 31));
-    EXPECT_FALSE(Date::fromYmd(2015, 13, 1));
-    EXPECT_FALSE(Date::fromYmd(2015, 0, 1));
-    EXPECT_FALSE(Date::fromYmd(2015, 1, 0));
-    EXPECT_FALSE(Date::fromYmd(2015, 1, 32));
+    for (auto [y, m, d] : {std::tuple{2015, 2, 29}, {1900, 2, 29}, {2015, 4, 31}, {2015, 13, 1},
+                           {2015, 0, 1}, {2015, 1, 0}, {2015, 1, 32}})
+        EXPECT_FALSE(Date::fromYmd(y, m, d)) << y << '-' << m << '-' << d;
 }
 
-TEST(Date, DayNumbersCountFromTheEpoch) {
+TEST(Date, DayNumbersCountFromTheEpochAndRoundTrip) {
     EXPECT_TRUE(Date{}.isNull());
     EXPECT_EQ(ymd(1899, 12, 31).serial(), 1);
-    EXPECT_EQ(ymd(1900, 1, 1).serial(), 2);
     EXPECT_EQ(ymd(2015, 12, 31).serial(), 42369);
-    EXPECT_EQ(daysBetween(ymd(2015, 1, 1), ymd(2016, 1, 1)), 365);
     EXPECT_EQ(daysBetween(ymd(2016, 1, 1), ymd(2017, 1, 1)), 366);
-    EXPECT_LT(ymd(2015, 12, 30), ymd(2015, 12, 31));
-}
 
-TEST(Date, YearMonthDayRoundTripOverTheWholeRange) {
     const std::int32_t first = ymd(100, 1, 1).serial(), last = ymd(9999, 12, 31).serial();
     int py = 99, pm = 12, pd = 31;
     for (std::int32_t s = first; s <= last; ++s) {
@@ -43,35 +36,23 @@ TEST(Date, YearMonthDayRoundTripOverTheWholeRange) {
         ASSERT_EQ(Date::fromYmd(y, m, d)->serial(), s);
         py = y, pm = m, pd = d;
     }
-    const Date d = ymd(2015, 7, 14);
-    EXPECT_EQ(d.year(), 2015);
-    EXPECT_EQ(d.month(), 7);
-    EXPECT_EQ(d.day(), 14);
 }
 
 TEST(Date, AddMonthsCutsToTheEndOfAShorterMonth) {
     EXPECT_EQ(ymd(2015, 10, 31).addMonths(4), ymd(2016, 2, 29));
-    EXPECT_EQ(ymd(2014, 10, 31).addMonths(4), ymd(2015, 2, 28));
     EXPECT_EQ(ymd(2015, 1, 31).addMonths(1), ymd(2015, 2, 28));
     EXPECT_EQ(ymd(2015, 3, 31).addMonths(-1), ymd(2015, 2, 28));
-    EXPECT_EQ(ymd(2015, 3, 15).addMonths(-3), ymd(2014, 12, 15));
     EXPECT_EQ(ymd(2015, 12, 31).addMonths(1), ymd(2016, 1, 31));
-    EXPECT_EQ(ymd(2016, 2, 29).addMonths(12), ymd(2017, 2, 28));
     EXPECT_EQ(ymd(2015, 6, 30).addMonths(-30), ymd(2012, 12, 30));
-    EXPECT_EQ(ymd(2015, 6, 30).addMonths(0), ymd(2015, 6, 30));
     EXPECT_TRUE(Date{}.addMonths(3).isNull());
 }
 
 TEST(Date, IsoText) {
     EXPECT_EQ(parseIsoDate("2015-02-28"), ymd(2015, 2, 28));
-    EXPECT_FALSE(parseIsoDate("2015-02-30"));
-    EXPECT_FALSE(parseIsoDate("2015-2-3"));
-    EXPECT_FALSE(parseIsoDate("2015/02/03"));
-    EXPECT_FALSE(parseIsoDate("2015-02-0x"));
-    EXPECT_FALSE(parseIsoDate(""));
-    EXPECT_EQ(formatIsoDate(ymd(2015, 12, 31)), "2015-12-31");
+    for (const char* t : {"2015-02-30", "2015-2-3", "2015/02/03", "2015-02-0x", ""})
+        EXPECT_FALSE(parseIsoDate(t)) << t;
+    EXPECT_EQ(formatIsoDate(ymd(1948, 1, 5)), "1948-01-05");
     EXPECT_EQ(formatIsoDate(Date{}), "");
-    EXPECT_EQ(parseIsoDate(formatIsoDate(ymd(1948, 1, 5))), ymd(1948, 1, 5));
 }
 
 }  // namespace
