@@ -82,7 +82,12 @@ const DerivedRule kDerived[] = {
     {SectionId::Tashlumim, "TashTTLM", [](const NishumInput& n) -> std::int64_t { return payM(n.Tashlumim).value(); }},
     {SectionId::Tashlumim, "TashTTLF", [](const NishumInput& n) -> std::int64_t { return payF(n.Tashlumim).value(); }},
     {SectionId::Tashlumim, "TashTTL",
-     [](const NishumInput& n) -> std::int64_t { return (payM(n.Tashlumim) + payF(n.Tashlumim)).value(); }},
+     [](const NishumInput& n) -> std::int64_t {  // the fourteen fields in order, M's row then F's
+         const T& t = n.Tashlumim;
+         return sum({t.N042M, t.N040M, t.N043M, t.N041M, t.OdfotM, t.MikdamotM, t.TashlumimM, t.N042F, t.N040F,
+                     t.N043F, t.N041F, t.OdfotF, t.MikdamotF, t.TashlumimF})
+             .value();
+     }},
 };
 #undef ZELMOR_PAIR_RULE
 
