@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(ParseOptions, SeparatesValuesFlagsAndPositionalWords) {
+TEST(ParseOptions, SeparatesValuesFlagsAndPositionalWordsAndRefusesTheRest) {
     const Options o = parseOptions({"a.json", "--today", "2016-06-30", "-", "--report", "--data-dir=/x/y", "--",
                                     "--not-an-option"},
                                    {"--today", "--data-dir", "--sum"}, {"--report", "--bl"});
@@ -23,21 +23,17 @@ TEST(ParseOptions, SeparatesValuesFlagsAndPositionalWords) {
     EXPECT_EQ(o.value("--data-dir"), "/x/y");
     EXPECT_TRUE(o.has("--report"));
     EXPECT_FALSE(o.has("--bl"));
-    EXPECT_FALSE(o.has("--sum"));
     EXPECT_EQ(o.value("--sum", "7"), "7");
     // A negative number is a value, not an option.
     EXPECT_EQ(parseOptions({"--sum", "-500"}, {"--sum"}).value("--sum"), "-500");
-}
 
-TEST(ParseOptions, RefusesWhatTheCommandDoesNotTake) {
-    EXPECT_THROW(parseOptions({"--bogus"}, {"--today"}), UsageError);
-    EXPECT_THROW(parseOptions({"a.json", "--today"}, {"--today"}), UsageError);              // no value
+    EXPECT_THROW(parseOptions({"a.json", "--today"}, {"--today"}), UsageError);                  // no value
     EXPECT_THROW(parseOptions({"--today", "--report"}, {"--today"}, {"--report"}), UsageError);  // no value
     EXPECT_THROW(parseOptions({"--today", "x", "--today", "y"}, {"--today"}), UsageError);
     EXPECT_THROW(parseOptions({"--report=1"}, {}, {"--report"}), UsageError);
     try {
         parseOptions({"--tday", "2016-01-01"}, {"--today"});
-        FAIL();
+        ADD_FAILURE() << "took an unknown option";
     } catch (const UsageError& e) {
         EXPECT_STREQ(e.what(), "unknown option --tday");
     }
@@ -45,8 +41,8 @@ TEST(ParseOptions, RefusesWhatTheCommandDoesNotTake) {
 
 TEST(ResolveToday, TakesTheGivenDateOrRefusesIt) {
     EXPECT_EQ(resolveToday(parseOptions({"--today", "2016-06-30"}, {"--today"})), *Date::fromYmd(2016, 6, 30));
-    EXPECT_THROW(resolveToday(parseOptions({"--today", "30/06/2016"}, {"--today"})), UsageError);
-    EXPECT_THROW(resolveToday(parseOptions({"--today", "2016-02-30"}, {"--today"})), UsageError);
+    for (const char* bad : {"30/06/2016", "2016-02-30"})
+        EXPECT_THROW(resolveToday(parseOptions({"--today", bad}, {"--today"})), UsageError) << bad;
     EXPECT_FALSE(resolveToday(Options{}).isNull());  // the real date
 }
 
@@ -60,10 +56,7 @@ TEST(ResolveDataDir, GivenFolderElseTheXdgDataHomeAndCreatesIt) {
     ::setenv("XDG_DATA_HOME", (tmp + "/xdg").c_str(), 1);
     EXPECT_EQ(resolveDataDir(Options{}), tmp + "/xdg/Zelmor");
     EXPECT_TRUE(fs::is_directory(tmp + "/xdg/Zelmor"));
-    if (oldXdg)
-        ::setenv("XDG_DATA_HOME", saved.c_str(), 1);
-    else
-        ::unsetenv("XDG_DATA_HOME");
+    oldXdg ? ::setenv("XDG_DATA_HOME", saved.c_str(), 1) : ::unsetenv("XDG_DATA_HOME");
 
     test::writeFile(tmp + "/file", "x");
     EXPECT_THROW(resolveDataDir(parseOptions({"--data-dir", tmp + "/file"}, {"--data-dir"})), std::runtime_error);
@@ -73,19 +66,9 @@ TEST(ResolveDataDir, GivenFolderElseTheXdgDataHomeAndCreatesIt) {
 TEST(ErrorDocument, IsOneLineOfValidJsonWhateverTheMessageHolds) {
     const std::string doc = errorDocument("input", "a \"quoted\"\nword \xff and עברית");
     EXPECT_EQ(doc.find('\n'), std::string::npos);
-    const auto j = nlohmann::json::parse(doc);
-    EXPECT_EQ(j["format"], "zelmor-results");
-    EXPECT_EQ(j["version"], 1);
-    EXPECT_EQ(j["error"]["kind"], "input");
-    EXPECT_EQ(j["error"]["message"], "a \"quoted\"\nword \xef\xbf\xbd and עברית");
+    EXPECT_EQ(nlohmann::json::parse(doc)["error"]["message"], "a \"quoted\"\nword \xef\xbf\xbd and עברית");
     EXPECT_EQ(errorDocument("overflow", "x"),
               R"({"format": "zelmor-results", "version": 1, "error": {"kind": "overflow", "message": "x"}})");
-}
-
-TEST(ManyOutputs, MoreThanOneFileOrStandardInput) {
-    EXPECT_FALSE(manyOutputs({"a.json"}));
-    EXPECT_TRUE(manyOutputs({"a.json", "b.json"}));
-    EXPECT_TRUE(manyOutputs({"-"}));
 }
 
 }  // namespace

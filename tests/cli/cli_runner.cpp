@@ -37,6 +37,13 @@ void writeFile(const std::string& path, const std::string& text) {
     if (!out) throw std::runtime_error("cannot write " + path);
 }
 
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
+    return out;
+}
+
 CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText, const std::string& workDir) {
     // Standard input and both outputs go through files: no pipe can fill up and stall.
     static int serial = 0;

@@ -26,5 +26,7 @@ std::string freshTempDir(const std::string& name);
 
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& text);
+// The lines of a text, without their ends.
+std::vector<std::string> lines(const std::string& text);
 
 }  // namespace zelmor::test

@@ -28,22 +28,16 @@ namespace fs = std::filesystem;
 
 // One golden set: `zelmor-cli <command> FILE <extraArgs...>` for every *.json of
 // inputDir, run inside inputDir, against expectedDir/FILE. Folders are relative
-// to the source tree. In extraArgs, {source} stands for the source tree, {binary}
-// for the build tree and {tmp} for a fresh empty folder of the case.
+// to the source tree. In extraArgs, {tmp} stands for a fresh empty folder of the case.
 struct GoldenSet {
-    const char* command;
-    const char* inputDir;
-    const char* expectedDir;
+    const char *command, *inputDir, *expectedDir;
     std::vector<std::string> extraArgs;
 };
 
-const std::vector<GoldenSet>& goldenSets() {
-    static const std::vector<GoldenSet> sets = {
-        {"check", "tests/golden/reports", "tests/golden/check", {}},
-        {"calc", "tests/golden/reports", "tests/golden/calc", {"--today", "2016-06-30", "--data-dir", "{tmp}/data"}},
-    };
-    return sets;
-}
+const std::vector<GoldenSet> kSets = {
+    {"check", "tests/golden/reports", "tests/golden/check", {}},
+    {"calc", "tests/golden/reports", "tests/golden/calc", {"--today", "2016-06-30", "--data-dir", "{tmp}/data"}},
+};
 
 struct GoldenCase {
     const GoldenSet* set;
@@ -56,7 +50,7 @@ std::string sourcePath(const std::string& rel) { return std::string(ZELMOR_SOURC
 
 std::vector<GoldenCase> goldenCases() {
     std::vector<GoldenCase> cases;
-    for (const GoldenSet& set : goldenSets()) {
+    for (const GoldenSet& set : kSets) {
         std::vector<std::string> files;
         std::error_code ec;
         for (const auto& entry : fs::directory_iterator(sourcePath(set.inputDir), ec))
@@ -76,12 +70,7 @@ std::string caseName(const testing::TestParamInfo<GoldenCase>& info) {
 }
 
 std::string expand(std::string arg, const std::string& tmp) {
-    auto replace = [&](const std::string& key, const std::string& value) {
-        for (std::size_t at; (at = arg.find(key)) != std::string::npos;) arg.replace(at, key.size(), value);
-    };
-    replace("{source}", ZELMOR_SOURCE_DIR);
-    replace("{binary}", ZELMOR_BINARY_DIR);
-    replace("{tmp}", tmp);
+    if (const auto at = arg.find("{tmp}"); at != std::string::npos) arg.replace(at, 5, tmp);
     return arg;
 }
 
@@ -92,11 +81,6 @@ int expectedStatus(const std::string& out) {
     if (doc.is_discarded() || !doc.is_object() || !doc.contains("error")) return 0;
     const std::string kind = doc["error"].value("kind", "");
     return kind == "input" ? 2 : kind == "overflow" ? 3 : 1;
-}
-
-bool regenerating() {
-    const char* v = std::getenv("ZELMOR_REGENERATE_GOLDEN");
-    return v && std::string(v) == "1";
 }
 
 class Golden : public testing::TestWithParam<GoldenCase> {};
@@ -110,7 +94,7 @@ TEST_P(Golden, OutputMatchesExpectedFile) {
     const CliRun run = runCli(args, {}, sourcePath(c.set->inputDir));
     const std::string expectedPath = sourcePath(std::string(c.set->expectedDir) + "/" + c.file);
 
-    if (regenerating()) {
+    if (const char* v = std::getenv("ZELMOR_REGENERATE_GOLDEN"); v && std::string(v) == "1") {
         fs::create_directories(fs::path(expectedPath).parent_path());
         writeFile(expectedPath, run.out);
         std::cout << "rewrote " << expectedPath << '\n';
@@ -128,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Sets, Golden, testing::ValuesIn(goldenCases()), caseNam
 
 // An expected file without its input would never be compared again.
 TEST(GoldenSets, EveryExpectedFileHasItsInput) {
-    for (const GoldenSet& set : goldenSets()) {
+    for (const GoldenSet& set : kSets) {
         std::error_code ec;
         for (const auto& entry : fs::directory_iterator(sourcePath(set.expectedDir), ec)) {
             const fs::path input = fs::path(sourcePath(set.inputDir)) / entry.path().filename();

@@ -14,13 +14,14 @@ const std::string kHead = R"({"format":"zelmor-report","version":1,"year":2015)"
 // A document of the given sections: doc(R"("Yegia":{"N150":1})").
 std::string doc(const std::string& sections = {}) { return kHead + (sections.empty() ? "" : ",") + sections + "}"; }
 
-std::string refusal(const std::string& text) {
+// What the document is refused for; "(accepted)" when it is read.
+InputError refusal(const std::string& text) {
     try {
         parseReportDocument(text);
     } catch (const InputError& e) {
-        return e.what();
+        return e;
     }
-    return "(accepted)";
+    return InputError("", "", "(accepted)");
 }
 
 // A report in which every member differs from a new report, made from the catalogue.
@@ -30,9 +31,7 @@ NishumInput everyMemberSet() {
     for (const FieldDef& f : allFields()) {
         ++k;
         switch (f.type) {
-            case FieldType::Text:
-                f.ref<std::string>(n) = f.maxLength > 0 ? std::string("א\"\\\tb").substr(0, 7) : "טקסט";
-                break;
+            case FieldType::Text: f.ref<std::string>(n) = "א\"\\\tb"; break;
             case FieldType::Date: f.ref<Date>(n) = *Date::fromYmd(1950 + k % 60, 1 + k % 12, 1 + k % 28); break;
             case FieldType::Boolean: f.ref<bool>(n) = true; break;
             case FieldType::Amount: f.ref<Amount>(n) = k % 2 ? -1000 * k : 2147480000 / 300 * k / 100; break;
@@ -45,17 +44,18 @@ NishumInput everyMemberSet() {
 }
 
 TEST(ReportDocument, LeftOutMembersAndSectionsTakeTheNewReportValues) {
-    const NishumInput read = parseReportDocument(doc(R"("Yegia":{"N150":5},"Klaliim":{})"));
     NishumInput expected;
-    expected.Yegia.N150 = 5;
-    expected.Yegia.TTLM = 5;
-    EXPECT_EQ(writeReportDocument(read, false), writeReportDocument(expected, false));
+    expected.Yegia.N150 = expected.Yegia.TTLM = 5;
+    EXPECT_EQ(writeReportDocument(parseReportDocument(doc(R"("Yegia":{"N150":5},"Klaliim":{})")), false),
+              writeReportDocument(expected, false));
 }
 
-TEST(ReportDocument, ReadsEachTypeOfMember) {
+TEST(ReportDocument, ReadsEachTypeAndWorksOutDerivedMembersAcceptingThemWhenTheyAgree) {
     const NishumInput n = parseReportDocument(doc(
         R"("Pratim":{"LastNameM":"כהן","BirthDateM":"1970-03-15","BirthDateF":null,"DochDate":"","isMale":true},)"
-        R"("Yegia":{"N150":-2147483648},"Zikuim":{"N093Rate":25},"Nekudot":{"N260_2":-32768,"N260_3":32767})"));
+        R"("Yegia":{"N150":-2147483648,"N250":100,"YegiaM":20,"N170":7,"TTLF":7},"Zikuim":{"N093Rate":25},)"
+        R"("Pturot":{"Kizva":3,"Acherot":4},"Nekudot":{"N260_2":-32768,"N260_3":32767,"N260":-1},)"
+        R"("Tashlumim":{"N042M":10,"N042F":5,"N042":15,"MikdamotM":1,"N294M":1000})"));
     EXPECT_EQ(n.Pratim.LastNameM, "כהן");
     EXPECT_EQ(n.Pratim.BirthDateM, *Date::fromYmd(1970, 3, 15));
     EXPECT_TRUE(n.Pratim.BirthDateF.isNull());
@@ -63,18 +63,10 @@ TEST(ReportDocument, ReadsEachTypeOfMember) {
     EXPECT_TRUE(n.Pratim.isMale);
     EXPECT_EQ(n.Yegia.N150, Amount(-2147483647 - 1));
     EXPECT_EQ(n.Zikuim.N093Rate, 25);
-    EXPECT_EQ(n.Nekudot.N260, -1);
-}
-
-TEST(ReportDocument, WorksOutDerivedMembersAndAcceptsThemWhenTheyAgree) {
-    const NishumInput n = parseReportDocument(doc(
-        R"("Yegia":{"N150":100,"YegiaM":20,"N170":7,"TTLF":7},"Pturot":{"Kizva":3,"Acherot":4},)"
-        R"("Nekudot":{"N260_1":1,"N260_6":2,"N260":3},)"
-        R"("Tashlumim":{"N042M":10,"N042F":5,"N042":15,"MikdamotM":1,"N294M":1000})"));
-    EXPECT_EQ(n.Yegia.TTLM, 120);
+    EXPECT_EQ(n.Yegia.TTLM, -2147483647 - 1 + 120);
     EXPECT_EQ(n.Yegia.TTLF, 7);
     EXPECT_EQ(n.Pturot.N209, 7);
-    EXPECT_EQ(n.Nekudot.N260, 3);
+    EXPECT_EQ(n.Nekudot.N260, -1);
     EXPECT_EQ(n.Tashlumim.N294, 1000);
     EXPECT_EQ(n.Tashlumim.TashTTLM, 11);
     EXPECT_EQ(n.Tashlumim.TashTTLF, 5);
@@ -88,7 +80,6 @@ TEST(ReportDocument, WrittenDocumentReadsBackToTheSameReport) {
         EXPECT_EQ(text.find('\n') == std::string::npos, !pretty);
         const NishumInput back = parseReportDocument(text);
         EXPECT_EQ(writeReportDocument(back, pretty), text);
-        EXPECT_EQ(writeReportDocument(back, !pretty), writeReportDocument(original, !pretty));
     }
 }
 
@@ -96,22 +87,15 @@ TEST(ReportDocument, TheExampleIsNormalised) {
     std::ifstream in(std::string(ZELMOR_SOURCE_DIR) + "/examples/couple.json", std::ios::binary);
     std::stringstream text;
     text << in.rdbuf();
-    const NishumInput n = parseReportDocument(text.str());
-    EXPECT_EQ(writeReportDocument(n, true) + "\n", text.str());
-    EXPECT_TRUE(n.Klaliim.isTlutNo);
-    EXPECT_EQ(n.Nekudot.N260, 2);
+    EXPECT_EQ(writeReportDocument(parseReportDocument(text.str()), true) + "\n", text.str());
 }
 
-TEST(ReportDocument, WritesMembersInCatalogueOrderWithNoDateAsNull) {
-    const std::string text = writeReportDocument(NishumInput{}, false);
+TEST(ReportDocument, WritesMembersInCatalogueOrderNoDateAsNullAndRefusesTextThatIsNotUtf8) {
+    NishumInput n;
+    const std::string text = writeReportDocument(n, false);
     EXPECT_EQ(text.rfind(kHead + R"(,"Pratim":{"IDM":"","LastNameM":"",)", 0), 0u) << text.substr(0, 120);
     EXPECT_NE(text.find(R"("BirthDateM":null)"), std::string::npos);
-    const std::string end = R"(,"isIskaotZdadimHul":false}})";
-    EXPECT_EQ(text.substr(text.size() - end.size()), end);
-}
-
-TEST(ReportDocument, WritingRefusesTextThatIsNotUtf8) {
-    NishumInput n;
+    EXPECT_TRUE(text.ends_with(R"(,"isIskaotZdadimHul":false}})"));
     n.Pratim.FirstNameM = "ab\xff";
     EXPECT_THROW(writeReportDocument(n, false), InputError);
 }
@@ -119,8 +103,7 @@ TEST(ReportDocument, WritingRefusesTextThatIsNotUtf8) {
 // Each refusal names the place and what is wrong.
 TEST(ReportDocumentRefusal, NamesThePlaceAndTheFault) {
     const struct {
-        std::string text;
-        std::string message;
+        std::string text, message;
     } cases[] = {
         // names
         {doc(R"("Yegia":{"N15O":1})"), R"(Yegia.N15O: unknown member; did you mean "N150"?)"},
@@ -136,19 +119,14 @@ TEST(ReportDocumentRefusal, NamesThePlaceAndTheFault) {
         {R"({"format":"zelmor-report","version":2,"year":2015})", "version: expected 1, got 2"},
         {R"({"format":"zelmor-report","version":1,"year":2016})",
          "year: expected 2015 (the tax year of this program), got 2016"},
-        {R"({"format":"zelmor-report","version":1,"year":"2015"})",
-         R"(year: expected 2015 (the tax year of this program), got "2015")"},
         {R"({"version":1,"year":2015})", R"(format: missing (expected "zelmor-report"))"},
-        {R"({"format":"zelmor-report","year":2015})", "version: missing (expected 1)"},
         {R"([1,2])", "a report document is a JSON object, got an array"},
         {doc(R"("Yegia":[1])"), "Yegia: expected an object of members, got an array"},
         // whole numbers and their ranges
         {doc(R"("Yegia":{"N150":1.5})"), "Yegia.N150: expected a whole number, got 1.5"},
         {doc(R"("Yegia":{"N150":1e3})"), "Yegia.N150: expected a whole number, got 1e3"},
         {doc(R"("Yegia":{"N150":"abc"})"), R"(Yegia.N150: expected a whole number, got "abc")"},
-        {doc(R"("Yegia":{"N150":true})"), "Yegia.N150: expected a whole number, got true"},
         {doc(R"("Yegia":{"N150":null})"), "Yegia.N150: expected a whole number, got null"},
-        {doc(R"("Yegia":{"N150":{}})"), "Yegia.N150: expected a whole number, got an object"},
         {doc(R"("Yegia":{"N150":2147483648})"),
          "Yegia.N150: 2147483648 is outside the range of an amount (-2147483648..2147483647)"},
         {doc(R"("Yegia":{"N150":-99999999999999999999999})"),
@@ -181,45 +159,24 @@ TEST(ReportDocumentRefusal, NamesThePlaceAndTheFault) {
          "Nekudot.N260: the sum N260_1 + N260_2 + N260_3 + N260_4 + N260_5 + N260_6 is outside the range of a "
          "count (-32768..32767)"},
     };
-    for (const auto& c : cases) EXPECT_EQ(refusal(c.text), c.message) << c.text;
-}
-
-TEST(ReportDocumentRefusal, CarriesSectionAndMemberApart) {
-    try {
-        parseReportDocument(doc(R"("Nekudot":{"N260_1":40000})"));
-        FAIL();
-    } catch (const InputError& e) {
-        EXPECT_EQ(e.section, "Nekudot");
-        EXPECT_EQ(e.member, "N260_1");
-        EXPECT_EQ(e.problem, "40000 is outside the range of a count (-32768..32767)");
-    }
+    for (const auto& c : cases) EXPECT_EQ(refusal(c.text).what(), c.message) << c.text;
+    // The place and the fault also come apart.
+    const InputError e = refusal(doc(R"("Nekudot":{"N260_1":40000})"));
+    EXPECT_EQ(e.section + "|" + e.member + "|" + e.problem,
+              "Nekudot|N260_1|40000 is outside the range of a count (-32768..32767)");
 }
 
 TEST(ReportDocumentRefusal, MalformedJsonGivesLineAndColumnInCharacters) {
-    const std::string text = "{\n  \"format\": \"zelmor-report\",\n  \"Pratim\": {\"LastNameM\": \"כהן\" \"x\"}\n}";
-    try {
-        parseReportDocument(text);
-        FAIL();
-    } catch (const InputError& e) {
-        EXPECT_EQ(e.line, 3u);
-        EXPECT_EQ(e.column, 35u);  // the end of the unexpected "x", in characters (bytes: 38)
-        EXPECT_EQ(std::string(e.what()).rfind("line 3, column 35: malformed JSON (syntax error", 0), 0u) << e.what();
-    }
-    EXPECT_EQ(refusal("").rfind("line 1, column 0: malformed JSON (", 0), 0u);
-    EXPECT_EQ(refusal(doc() + " {}").rfind("line 1, column 52: malformed JSON (", 0), 0u) << refusal(doc() + " {}");
-    EXPECT_NE(refusal("{\"format\": \"\xff\"}").find("malformed JSON"), std::string::npos);
-}
-
-TEST(ReportDocumentRefusal, NothingIsHalfImported) {
-    // Pratim and Yegia are read before the fault in Nekudot; the report the
-    // caller holds keeps every value it had.
-    NishumInput held;
-    held.Yegia.N150 = 7;
-    const std::string before = writeReportDocument(held, false);
-    EXPECT_THROW(held = parseReportDocument(doc(R"("Pratim":{"LastNameM":"לוי"},"Yegia":{"N150":1000},)"
-                                                R"("Nekudot":{"N260_1":40000}})")),
-                 InputError);
-    EXPECT_EQ(writeReportDocument(held, false), before);
+    const InputError e = refusal("{\n  \"format\": \"zelmor-report\",\n  \"Pratim\": {\"LastNameM\": \"כהן\" \"x\"}\n}");
+    EXPECT_EQ(e.line, 3u);
+    EXPECT_EQ(e.column, 35u);  // the end of the unexpected "x", in characters (bytes: 38)
+    const struct {
+        std::string text, start;
+    } cases[] = {{"", "line 1, column 0: malformed JSON ("},
+                 {doc() + " {}", "line 1, column 52: malformed JSON ("},
+                 {"{\"format\": \"\xff\"}", "line 1, column 13: malformed JSON ("}};
+    EXPECT_TRUE(std::string(e.what()).starts_with("line 3, column 35: malformed JSON (syntax error")) << e.what();
+    for (const auto& c : cases) EXPECT_TRUE(std::string(refusal(c.text).what()).starts_with(c.start)) << refusal(c.text).what();
 }
 
 }  // namespace

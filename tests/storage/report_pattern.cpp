@@ -1,8 +1,27 @@
 #include "storage/report_pattern.h"
 
+#include <cctype>
+#include <cstdlib>
+
 #include "core/values.h"
 
 namespace zelmor::storage::testing {
+namespace {
+
+// Calls fn with a value of the C++ type of the field.
+template <class Fn>
+void withType(const FieldDef& f, Fn&& fn) {
+    switch (f.type) {
+        case FieldType::Text: fn(std::string()); break;
+        case FieldType::Date: fn(Date()); break;
+        case FieldType::Boolean: fn(false); break;
+        case FieldType::Amount: fn(Amount()); break;
+        case FieldType::Number: fn(std::int32_t()); break;
+        case FieldType::Count: fn(std::int16_t()); break;
+    }
+}
+
+}  // namespace
 
 NishumInput patternReport(const std::string& id, int version) {
     NishumInput r;
@@ -31,38 +50,17 @@ NishumInput patternReport(const std::string& id, int version) {
 
 int patternVersion(const NishumInput& r) {
     const std::string& t = r.Pratim.LastNameM;
-    if (t.size() < 2 || t[0] != 'v') return -1;
-    try {
-        return std::stoi(t.substr(1));
-    } catch (...) {
-        return -1;
-    }
+    return t.size() > 1 && t[0] == 'v' && std::isdigit(static_cast<unsigned char>(t[1])) ? std::atoi(t.c_str() + 1) : -1;
 }
 
 void copyField(const FieldDef& f, const NishumInput& from, NishumInput& to) {
-    switch (f.type) {
-        case FieldType::Text: f.ref<std::string>(to) = f.ref<std::string>(from); break;
-        case FieldType::Date: f.ref<Date>(to) = f.ref<Date>(from); break;
-        case FieldType::Boolean: f.ref<bool>(to) = f.ref<bool>(from); break;
-        case FieldType::Amount: f.ref<Amount>(to) = f.ref<Amount>(from); break;
-        case FieldType::Number: f.ref<std::int32_t>(to) = f.ref<std::int32_t>(from); break;
-        case FieldType::Count: f.ref<std::int16_t>(to) = f.ref<std::int16_t>(from); break;
-    }
+    withType(f, [&]<class T>(T) { f.ref<T>(to) = f.ref<T>(from); });
 }
-
-void zeroField(const FieldDef& f, NishumInput& r) { copyField(f, NishumInput(), r); }
 
 std::string firstDifference(const NishumInput& a, const NishumInput& b) {
     for (const FieldDef& f : allFields()) {
         bool same = true;
-        switch (f.type) {
-            case FieldType::Text: same = f.ref<std::string>(a) == f.ref<std::string>(b); break;
-            case FieldType::Date: same = f.ref<Date>(a) == f.ref<Date>(b); break;
-            case FieldType::Boolean: same = f.ref<bool>(a) == f.ref<bool>(b); break;
-            case FieldType::Amount: same = f.ref<Amount>(a) == f.ref<Amount>(b); break;
-            case FieldType::Number: same = f.ref<std::int32_t>(a) == f.ref<std::int32_t>(b); break;
-            case FieldType::Count: same = f.ref<std::int16_t>(a) == f.ref<std::int16_t>(b); break;
-        }
+        withType(f, [&]<class T>(T) { same = f.ref<T>(a) == f.ref<T>(b); });
         if (!same) return std::string(f.sectionName) + "." + f.name;
     }
     return {};

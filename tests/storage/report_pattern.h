@@ -17,9 +17,8 @@ NishumInput patternReport(const std::string& id, int version);
 // The version that a report read back claims (from LastNameM); -1 if none.
 int patternVersion(const NishumInput& r);
 
-// One field from one report into another; one field set to zero (or empty, False).
+// One field from one report into another.
 void copyField(const FieldDef& f, const NishumInput& from, NishumInput& to);
-void zeroField(const FieldDef& f, NishumInput& r);
 
 // "" when the two reports agree in every field, else the first field that differs.
 std::string firstDifference(const NishumInput& a, const NishumInput& b);

@@ -1,29 +1,61 @@
 #pragma once
-// The fixture of the storage suite: each test gets a fresh, empty report
-// database on the backend of the test binary (SQLite, or PostgreSQL on a
-// throwaway local server).
+// The storage suite: each test gets a fresh, empty report database on the
+// backend of the test binary, a temporary SQLite file or a fresh database on a
+// throwaway PostgreSQL server that listens on a socket of its own folder only
+// and lives as long as the test process.
 
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "storage/backend.h"
 #include "storage/report_db.h"
+#include "storage/report_pattern.h"
 
 namespace zelmor::storage::testing {
 
+// A temporary folder, removed with everything in it when the object goes.
+struct TempDir {
+    QTemporaryDir dir;
+    std::string path() const { return dir.path().toStdString(); }
+};
+
+// The throwaway PostgreSQL server, started on first use. available() is false
+// (with the reason in whyNot()) when PostgreSQL is not installed or does not
+// start; tests then skip.
+class PgServer {
+public:
+    static PgServer& instance();
+    ~PgServer() { stop(); }
+    bool available();
+    const std::string& whyNot() const { return whyNot_; }
+    // A new empty database on the server, as a connection URI.
+    std::string freshDatabase();
+    void stop();
+
+private:
+    bool tried_ = false;
+    bool running_ = false;
+    std::string whyNot_;
+    std::string dir_, binDir_;
+    int databases_ = 0;
+};
+
+// Starts a program (looked up on PATH), its output appended to log when one is
+// given; its process id, or -1.
+pid_t spawnProgram(std::vector<std::string> args, const std::string& log = {});
+// The exit status of a child; -signal when a signal ended it, -1000 for no child.
+int waitFor(pid_t pid);
+
+// The worker program of the process tests.
+std::string helperPath();
+
 class StorageTest : public ::testing::TestWithParam<std::string> {
 protected:
-    void SetUp() override {
-        if (GetParam() == "postgresql") {
-            if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot();
-            location_ = PgServer::instance().freshDatabase();
-        } else {
-            location_ = dir_.path() + "/2015/D2015.BRK";
-        }
-        db_ = std::make_unique<ReportDb>(location_);
-    }
+    void SetUp() override;
     bool sqlite() const { return GetParam() == "sqlite"; }
     long long count(const std::string& sql) { return std::stoll("0" + db_->queryScalar(sql)); }
 

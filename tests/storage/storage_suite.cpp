@@ -1,0 +1,134 @@
+#include "storage/storage_suite.h"
+
+#include <QCoreApplication>
+#include <fcntl.h>
+#include <pwd.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
+extern char** environ;
+
+namespace zelmor::storage::testing {
+namespace fs = std::filesystem;
+
+pid_t spawnProgram(std::vector<std::string> args, const std::string& log) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (!log.empty()) {
+        posix_spawn_file_actions_addopen(&actions, 1, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+        posix_spawn_file_actions_adddup2(&actions, 1, 2);
+    }
+    std::vector<char*> argv;
+    for (auto& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    pid_t pid = 0;
+    const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return rc == 0 ? pid : -1;
+}
+
+int waitFor(pid_t pid) {
+    int status = 0;
+    if (pid <= 0) return -1000;
+    while (waitpid(pid, &status, 0) < 0) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+std::string helperPath() { return std::string(ZELMOR_BINARY_DIR) + "/bin/storage_helper"; }
+
+namespace {
+
+// The bin folder of the newest PostgreSQL installed, or "".
+std::string findPgBin() {
+    std::string best;
+    std::error_code ec;
+    for (const auto& e : fs::directory_iterator("/usr/lib/postgresql", ec))
+        if (fs::exists(e.path() / "bin" / "initdb")) best = std::max(best, (e.path() / "bin").string());
+    return best;
+}
+
+// A command as the user that runs the server: postgres when we are root.
+std::vector<std::string> asServerUser(std::vector<std::string> args) {
+    if (geteuid() == 0) args.insert(args.begin(), {"runuser", "-u", "postgres", "--"});
+    return args;
+}
+
+}  // namespace
+
+void StorageTest::SetUp() {
+    // The Qt application object that the SQL plug-ins need.
+    static int argc = 1;
+    static char name[] = "storage_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
+    if (GetParam() == "postgresql") {
+        if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot();
+        location_ = PgServer::instance().freshDatabase();
+    } else {
+        location_ = dir_.path() + "/2015/D2015.BRK";
+    }
+    db_ = std::make_unique<ReportDb>(location_);
+}
+
+PgServer& PgServer::instance() {
+    static PgServer server;
+    return server;
+}
+
+bool PgServer::available() {
+    if (tried_) return running_;
+    tried_ = true;
+    auto fail = [this](const std::string& why) {
+        whyNot_ = why;
+        return false;
+    };
+    binDir_ = findPgBin();
+    if (binDir_.empty()) return fail("PostgreSQL is not installed (no /usr/lib/postgresql/*/bin/initdb)");
+    std::string pattern = "/tmp/zelmor-pg-XXXXXX";
+    if (!mkdtemp(pattern.data())) return fail("cannot make a temporary folder");
+    dir_ = pattern;
+    const std::string log = dir_ + "/server.log";
+    // The server refuses to run as root: then it runs as the postgres user,
+    // which must own its folder.
+    if (geteuid() == 0) {
+        const passwd* pw = getpwnam("postgres");
+        if (!pw || chown(dir_.c_str(), pw->pw_uid, pw->pw_gid) != 0)
+            return fail("running as root and there is no postgres user to run the server");
+    }
+    auto cmd = [&](std::vector<std::string> args) { return waitFor(spawnProgram(asServerUser(args), log)); };
+    if (cmd({binDir_ + "/initdb", "-D", dir_ + "/data", "-U", "zelmor", "--auth=trust", "-E", "UTF8", "--locale=C",
+             "--no-sync"}) != 0)
+        return fail("initdb failed (see " + log + ")");
+    // No TCP at all: the socket in the server's own folder, so no port is shared.
+    const std::string options = "-k " + dir_ + " -c listen_addresses= -c fsync=off -c max_connections=60";
+    if (cmd({binDir_ + "/pg_ctl", "-D", dir_ + "/data", "-o", options, "-w", "-l", dir_ + "/pg.log", "start"}) != 0)
+        return fail("the PostgreSQL server did not start (see " + log + ")");
+    return running_ = true;
+}
+
+std::string PgServer::freshDatabase() {
+    const std::string name = "zt" + std::to_string(++databases_);
+    if (waitFor(spawnProgram({binDir_ + "/createdb", "-h", dir_, "-U", "zelmor", name}, dir_ + "/server.log")) != 0)
+        throw std::runtime_error("cannot create a test database (see " + dir_ + "/server.log)");
+    return "postgresql://zelmor@localhost/" + name + "?host=" + dir_;
+}
+
+void PgServer::stop() {
+    if (running_) {
+        const std::vector<std::string> args = {binDir_ + "/pg_ctl", "-D", dir_ + "/data", "-m", "immediate", "-w", "stop"};
+        waitFor(spawnProgram(asServerUser(args), "/dev/null"));
+        running_ = false;
+    }
+    if (!dir_.empty()) {
+        std::error_code ec;
+        fs::remove_all(dir_, ec);
+        dir_.clear();
+    }
+}
+
+}  // namespace zelmor::storage::testing
