@@ -1,6 +1,7 @@
 #include "cli/result_json.h"
 
 #include <charconv>
+#include <vector>
 
 namespace zelmor::cli {
 namespace {
@@ -30,6 +31,13 @@ public:
         s_ += '"';
         s_ += name;
         s_ += pretty_ ? "\": " : "\":";
+    }
+    // A key given as its text with the quotes and colon ("\"N150\":"), for
+    // the names that every document repeats.
+    void quotedKey(const std::string& text) {
+        if (!first_) s_ += ',';
+        first_ = false;
+        s_ += text;
     }
     void integer(std::int64_t v) {
         char buf[24];
@@ -61,6 +69,12 @@ private:
 }  // namespace
 
 std::string resultDocument(const CalcResult& result, bool pretty) {
+    static const std::vector<std::string> quotedNames = [] {
+        std::vector<std::string> out;
+        for (const SheetFieldDef& f : allSheetFields()) out.push_back("\"" + std::string(f.name) + "\":");
+        return out;
+    }();
+    const SheetFieldDef* const first = allSheetFields().data();
     Writer w(pretty);
     w.open();
     w.key("format");
@@ -88,7 +102,10 @@ std::string resultDocument(const CalcResult& result, bool pretty) {
         w.key(sheet.name);
         w.open();
         for (const SheetFieldDef& f : sheetFields(sheet.id)) {
-            w.key(f.name);
+            if (pretty)
+                w.key(f.name);
+            else
+                w.quotedKey(quotedNames[static_cast<std::size_t>(&f - first)]);
             switch (f.type) {
                 case SheetFieldType::Amount: w.integer(f.ref<Amount>(result.out).value()); break;
                 case SheetFieldType::Double: w.number(f.ref<double>(result.out)); break;

@@ -415,9 +415,22 @@ private:
         topKey_ = k;
     }
 
-    void memberKey(const std::string& name) {
+    // The field of a member's name. Documents usually list the members in
+    // declaration order, so the field after the last one is tried first.
+    const FieldDef* lookUp(const std::string& name) const {
+        if (field_ && field_->section == section_->def->id) {
+            const FieldDef* next = field_ + 1;
+            if (next < section_->fields.data() + section_->fields.size() && name == next->name) return next;
+        } else if (!section_->fields.empty() && name == section_->fields.front().name) {
+            return &section_->fields.front();
+        }
         const auto it = section_->byName.find(name);
-        if (it == section_->byName.end()) {
+        return it == section_->byName.end() ? nullptr : it->second;
+    }
+
+    void memberKey(const std::string& name) {
+        const FieldDef* found = lookUp(name);
+        if (!found) {
             const char* sec = section_->def->name;
             std::string problem = "unknown member";
             std::optional<std::string> near;
@@ -433,7 +446,7 @@ private:
             if (near) problem += "; did you mean " + jsonQuoted(*near) + "?";
             throw InputError(sec, name, problem);
         }
-        field_ = it->second;
+        field_ = found;
         const auto pos = static_cast<std::size_t>(field_ - section_->fields.data());
         if (seenMembers_[pos]) throw InputError(field_->sectionName, field_->name, "given twice");
         seenMembers_[pos] = true;
