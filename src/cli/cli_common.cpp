@@ -15,6 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include "report/report_json.h"
+#include "tables/madad_table.h"
 
 namespace zelmor::cli {
 
@@ -241,6 +242,15 @@ int processReportsInOrder(const std::vector<std::string>& inputs, const std::fun
     flush();
     std::cout.flush();
     return status;
+}
+
+std::unique_ptr<MadadTable> openMadadTable(const std::string& dataDir, const char* command, bool errorDocumentOut) {
+    auto table = std::make_unique<MadadTable>(QString::fromStdString(dataDir));
+    if (table->ok()) return table;
+    const std::string why = table->errorString().toStdString();
+    std::cerr << "zelmor-cli " << command << ": the price index table cannot be read: " << why << '\n';
+    if (errorDocumentOut) std::cout << errorDocument("environment", why) << '\n';
+    return nullptr;
 }
 
 bool manyOutputs(const std::vector<std::string>& inputs) {

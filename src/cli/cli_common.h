@@ -12,9 +12,15 @@
 #include <string_view>
 #include <vector>
 
+#include <memory>
+
 #include "cli/commands.h"
 #include "core/date.h"
 #include "report/nishum_input.h"
+
+namespace zelmor {
+class MadadTable;
+}
 
 namespace zelmor::cli {
 
@@ -76,6 +82,13 @@ struct Outcome {
 // Returns the highest exit status met.
 int processReportsInOrder(const std::vector<std::string>& inputs, const std::function<Outcome(NishumInput&)>& onReport,
                           const std::function<Outcome(const std::string& message, int exitStatus)>& onRefused);
+
+// The price index table of the data folder. When it cannot be read the
+// command's message goes to standard error (and, with errorDocumentOut, an
+// error document of kind "environment" to standard output) and the result is
+// empty: the command ends with exit status 1.
+std::unique_ptr<MadadTable> openMadadTable(const std::string& dataDir, const char* command,
+                                           bool errorDocumentOut = true);
 
 // More than one report may come: the output is JSON Lines.
 bool manyOutputs(const std::vector<std::string>& inputs);

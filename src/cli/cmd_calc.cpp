@@ -1,6 +1,5 @@
 // zelmor-cli calc: the result document of each report.
 
-#include <QString>
 #include <cstdio>
 #include <iostream>
 
@@ -48,13 +47,9 @@ int runCalc(const Args& args) {
         std::fprintf(stderr, "zelmor-cli calc: %s\n", e.what());
         return 2;
     }
-    MadadTable madad(QString::fromStdString(dataDir));
-    if (!madad.ok()) {
-        std::fprintf(stderr, "zelmor-cli calc: the price index table cannot be read: %s\n",
-                     madad.errorString().toStdString().c_str());
-        std::cout << errorDocument("environment", madad.errorString().toStdString()) << '\n';
-        return 1;
-    }
+    const auto table = openMadadTable(dataDir, "calc");
+    if (!table) return 1;
+    const MadadTable& madad = *table;
     const ConstDoch constants;
     const bool pretty = !manyOutputs(o.positional);
     const bool summary = o.has("--summary");

@@ -2,7 +2,6 @@
 // One result line (JSON) for every stored report, in id order, the template row
 // excluded. All reports are read in one query; a report whose rows cannot be
 // read or whose calculation overflows gives its error document on its line.
-#include <QString>
 #include <algorithm>
 #include <iostream>
 
@@ -30,13 +29,9 @@ int runCalcAll(const Args& args) {
         std::cerr << "zelmor-cli calc-all: " << e.what() << '\n' << kUsage << '\n';
         return 2;
     }
-    MadadTable madad(QString::fromStdString(dataDir));
-    if (!madad.ok()) {
-        const std::string why = madad.errorString().toStdString();
-        std::cerr << "zelmor-cli calc-all: the price index table cannot be read: " << why << '\n';
-        std::cout << errorDocument("environment", why) << '\n';
-        return 1;
-    }
+    const auto table = openMadadTable(dataDir, "calc-all");
+    if (!table) return 1;
+    const MadadTable& madad = *table;
 
     const ConstDoch constants;
     int status = 0;

@@ -59,14 +59,10 @@ int runPrint(const Args& args) {
 
     NishumOutput out;
     if (wantResults || wantBL) {
-        MadadTable madad(setup.dataDir);
-        if (!madad.ok()) {
-            std::fprintf(stderr, "zelmor-cli print: the price index table cannot be read: %s\n",
-                         madad.errorString().toStdString().c_str());
-            return 1;
-        }
+        const auto madad = openMadadTable(dataDir, "print", false);
+        if (!madad) return 1;
         try {
-            out = CalcDoch(*report, ConstDoch(), madad, today).out;
+            out = CalcDoch(*report, ConstDoch(), *madad, today).out;
         } catch (const OverflowError& e) {
             std::fprintf(stderr, "zelmor-cli print: the calculation stopped: %s\n", e.what());
             return 3;

@@ -1,6 +1,5 @@
 // zelmor-cli solve: the four questions of the solving dialog.
 
-#include <QString>
 #include <cstdio>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -36,13 +35,9 @@ int runSolve(const Args& args) {
         std::fprintf(stderr, "zelmor-cli solve: %s\n", e.what());
         return 2;
     }
-    MadadTable madad(QString::fromStdString(dataDir));
-    if (!madad.ok()) {
-        std::fprintf(stderr, "zelmor-cli solve: the price index table cannot be read: %s\n",
-                     madad.errorString().toStdString().c_str());
-        std::cout << errorDocument("environment", madad.errorString().toStdString()) << '\n';
-        return 1;
-    }
+    const auto table = openMadadTable(dataDir, "solve");
+    if (!table) return 1;
+    const MadadTable& madad = *table;
     if (question == 2) sum = 0;  // the tax paid is the target: no sum is asked
     int status = 0;
     forEachReport(
