@@ -166,7 +166,9 @@ struct MeyuchadRow {
 void Calculation::PublishMeyuchad() {
     auto& m = out.Meyuchad;
     ExemptInterestPool();
-    Amount masSum = 0, netSum = 0;
+    Amount& masSum = st.MeyuchadMasSum;  // running totals of the column
+    Amount& netSum = st.MeyuchadNetSum;
+    masSum = netSum = 0;
 
     auto row = [&](const MeyuchadRow& r, Amount gross, Amount net, Amount rate, bool exempt) {
         if (gross == 0) return;  // an empty line leaves its whole row empty
@@ -230,8 +232,6 @@ void Calculation::PublishMeyuchad() {
     row({&m.InflaF, &m.NIKUY_InflaF, &m.NET_InflaF, &m.RATE_InflaF, &m.MAS_InflaF}, F.LineInfla, F.NetInfla, 10, false);
     m.FMAS_TTL = masSum;
     m.FSUM_TTL = netSum;
-    st.MeyuchadMasSum = m.MMAS_TTL;
-    st.MeyuchadNetSum = m.MSUM_TTL;
 }
 
 // The sums of the credit points and the credit lines, each line's credit
