@@ -18,5 +18,6 @@ int runImport(const Args& args);
 int runExport(const Args& args);
 int runList(const Args& args);
 int runCalcAll(const Args& args);
+int runUpdateTables(const Args& args);
 
 }  // namespace zelmor::cli

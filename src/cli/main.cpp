@@ -24,6 +24,7 @@ const Command kCommands[] = {
     {"export", zelmor::cli::runExport, "export ID [--db DB]               report document to standard output"},
     {"list", zelmor::cli::runList, "list [--db DB]                    the taxpayer list"},
     {"calc-all", zelmor::cli::runCalcAll, "calc-all [--db DB] [--today ...] one result line per stored report"},
+    {"update-tables", zelmor::cli::runUpdateTables, "update-tables [--url URL] [--data-dir DIR] replace the index table"},
 };
 
 void usage() {
@@ -43,6 +44,7 @@ int main(int argc, char** argv) {
     } else {
         app = std::make_unique<QCoreApplication>(argc, argv);
     }
+    QCoreApplication::setOrganizationName("Zelmor");
     QCoreApplication::setApplicationName("Zelmor");
     std::ios::sync_with_stdio(false);
     if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
