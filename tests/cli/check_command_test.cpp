@@ -74,3 +74,19 @@ TEST(CheckCommand, UsageMistakesExitWithTwo) {
 
 }  // namespace
 }  // namespace zelmor::test
+
+namespace zelmor::test {
+namespace {
+
+TEST(UpdateTablesCommand, AFailedDownloadKeepsTheTableAndFails) {
+    const std::string dir = freshTempDir("update-tables");
+    const CliRun first = runCli({"update-tables", "--url", "http://127.0.0.1:1/Madad.brk", "--data-dir", dir});
+    EXPECT_EQ(first.status, 1);
+    EXPECT_NE(first.err.find("2026/08"), std::string::npos) << first.err;  // how far the kept table reaches
+    const std::string before = readFile(dir + "/Madad.BRK");
+    EXPECT_EQ(runCli({"update-tables", "--url", "http://127.0.0.1:1/Madad.brk", "--data-dir", dir}).status, 1);
+    EXPECT_EQ(readFile(dir + "/Madad.BRK"), before);
+}
+
+}  // namespace
+}  // namespace zelmor::test
