@@ -6,6 +6,11 @@
 
 namespace zelmor::engine {
 
+std::array<Amount*, 7> BracketSums(sheets::CHishuv& h, bool isF) {
+    if (isF) return {&h.FSUM_1, &h.FSUM_2, &h.FSUM_3, &h.FSUM_4, &h.FSUM_5, &h.FSUM_6, &h.FSUM_7};
+    return {&h.MSUM_1, &h.MSUM_2, &h.MSUM_3, &h.MSUM_4, &h.MSUM_5, &h.MSUM_6, &h.MSUM_7};
+}
+
 void Calculation::BracketStep(Person& p) {
     for (auto& b : st.BracketSum) b = 0;
     for (auto& b : st.BracketSumA) b = 0;
@@ -13,26 +18,9 @@ void Calculation::BracketStep(Person& p) {
     st.BracketLoYegia = p.st.LoYegiaChayav;
     BracketYegiaScale();
     BracketLoYegiaScale();
-    auto& h = out.Hishuv;
-    const Amount* s = st.BracketSum;
-    const Amount* a = st.BracketSumA;
-    if (!p.isF) {
-        h.MSUM_1 = s[1];
-        h.MSUM_2 = s[2];
-        h.MSUM_3 = s[3];
-        h.MSUM_4 = a[1] + s[4];
-        h.MSUM_5 = a[2] + s[5];
-        h.MSUM_6 = a[3] + s[6];
-        h.MSUM_7 = a[4] + s[7];
-    } else {
-        h.FSUM_1 = s[1];
-        h.FSUM_2 = s[2];
-        h.FSUM_3 = s[3];
-        h.FSUM_4 = a[1] + s[4];
-        h.FSUM_5 = a[2] + s[5];
-        h.FSUM_6 = a[3] + s[6];
-        h.FSUM_7 = a[4] + s[7];
-    }
+    // Bracket n of the non-earned scale is shown with bracket n + 3 of the earned scale.
+    const auto cells = BracketSums(out.Hishuv, p.isF);
+    for (int i = 1; i <= 7; ++i) *cells[i - 1] = i <= 3 ? st.BracketSum[i] : st.BracketSumA[i - 3] + st.BracketSum[i];
 }
 
 void Calculation::BracketYegiaScale() {

@@ -4,6 +4,8 @@
 // persons are computed by the same routines through a Person view: M is the
 // registered spouse, F the other spouse.
 
+#include <array>
+
 #include "engine/calc.h"
 
 namespace zelmor::engine {
@@ -174,5 +176,8 @@ private:
 
 // Interest and linkage of a balance to a date.
 double MadadOfDate(const MadadLookup& madad, Date date);
+
+// The seven bracket amounts of a person on the regular-tax sheet.
+std::array<Amount*, 7> BracketSums(sheets::CHishuv& h, bool isF);
 
 }  // namespace zelmor::engine

@@ -101,9 +101,8 @@ void Calculation::PublishNikuim() {
 
 void Calculation::PublishHishuv() {
     auto& h = out.Hishuv;
-    Amount* msum[] = {&h.MSUM_1, &h.MSUM_2, &h.MSUM_3, &h.MSUM_4, &h.MSUM_5, &h.MSUM_6, &h.MSUM_7};
+    const auto msum = BracketSums(h, false), fsum = BracketSums(h, true);
     Amount* mmas[] = {&h.MMAS_1, &h.MMAS_2, &h.MMAS_3, &h.MMAS_4, &h.MMAS_5, &h.MMAS_6, &h.MMAS_7};
-    Amount* fsum[] = {&h.FSUM_1, &h.FSUM_2, &h.FSUM_3, &h.FSUM_4, &h.FSUM_5, &h.FSUM_6, &h.FSUM_7};
     Amount* fmas[] = {&h.FMAS_1, &h.FMAS_2, &h.FMAS_3, &h.FMAS_4, &h.FMAS_5, &h.FMAS_6, &h.FMAS_7};
     const double rates[] = {c.RATE1(), c.RATE2(), c.RATE3(), c.RATE4(), c.RATE5(), c.RATE6(), c.RATE7()};
     h.MSUM_TTL = h.MMAS_TTL = h.FSUM_TTL = h.FMAS_TTL = 0;
