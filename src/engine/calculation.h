@@ -49,7 +49,7 @@ struct CalcState {
     Amount BracketSumA[5];  // [1..4]
     Amount PtorRibitYitra, MeyuchadMasSum, MeyuchadNetSum;
     // National insurance estimate, for the person in hand.
-    double BLAzmai = 0, BLSachir = 0, BLHeino = 0, BLNikuy = 0, BLSachirM = 0, BLSachirF = 0;
+    double BLAzmai = 0, BLSachir = 0, BLHeino = 0, BLNikuy = 0;
     double BLAzmaiRagil = 0, BLAzmaiMufhat = 0, BLAzmaiTTL = 0, BLHeinoRagil = 0, BLHeinoMufhat = 0, BLHeinoTTL = 0;
     char BLSex = 'M';
 };

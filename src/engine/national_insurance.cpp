@@ -32,7 +32,6 @@ void Calculation::CalcBL(bool forF) {
     if (takesShared)
         heino = heino + y.N059 + y.N159 + y.N367 + y.N167 + r.N061 + r.N078 + r.N126 + r.N142 + r.N060 + r.N067 +
                 r.N157 + r.N141 + r.N055 + r.N053;
-    (forF ? st.BLSachirF : st.BLSachirM) = salary.value();
     (forF ? b.BLF_AZMAI : b.BLM_AZMAI) = azmai;
     (forF ? b.BLF_HEINO : b.BLM_HEINO) = heino;
     st.BLNikuy = (forF ? st.F : st.M).NikuyKizva.value();
