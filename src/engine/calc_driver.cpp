@@ -1,5 +1,7 @@
 // The calculation driver: which way a couple files, and the runs of one mode.
 
+#include <utility>
+
 #include "engine/calculation.h"
 
 namespace zelmor {
@@ -53,7 +55,7 @@ Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLo
 CalcResult Calculation::run() {
     CalcDoch();
     CalcResult result;
-    result.out = out;
+    result.out = std::move(out);
     result.FilingMode = st.FilingMode;
     result.compared = compared;
     result.MasMeuchad = st.MasMeuchad;
