@@ -1,9 +1,17 @@
 // The filing tests and the choice between modes.
 
+#include <functional>
+
 #include "engine/calc_test_util.h"
 
 namespace zelmor::testing {
 namespace {
+
+NishumInput withDependence(NishumInput n) {
+    n.Klaliim.isTlutNo = false;
+    n.Klaliim.isTlutYes = true;
+    return n;
+}
 
 NishumInput coupleWithSpouseIncome(std::int32_t spouseSalary) {
     NishumInput n = couple();
@@ -99,6 +107,115 @@ TEST(FilingModes, DependenceWithLargePropertyIsSeparateOnProperty) {
     EXPECT_EQ(r.out.Main.HachnasotF, 70000);
     EXPECT_EQ(r.out.Hachnasot.N172, 80000);
     EXPECT_EQ(r.out.Hachnasot.N301, 70000);
+}
+
+// Both comparisons of the joint run with a separate one, at a tie and one
+// shekel off it. A tie leaves the separate run on the sheets, at 0 as above it.
+struct TieCase {
+    const char* name;
+    std::function<NishumInput()> report;
+    int mode;
+    const char* title;
+    std::int32_t joint, separate;
+    std::int32_t incomeF;  // F's income on the summary; the joint run shows all of it with M
+};
+
+class ModeTie : public ::testing::TestWithParam<TieCase> {};
+
+TEST_P(ModeTie, SeparateRunStandsOnEqualTax) {
+    const TieCase& tc = GetParam();
+    const CalcResult r = calc(tc.report());
+    ASSERT_TRUE(r.compared);
+    EXPECT_EQ(r.MasMeuchad, tc.joint);
+    EXPECT_EQ(r.MasNifrad, tc.separate);
+    EXPECT_EQ(r.FilingMode, tc.mode);
+    EXPECT_STREQ(ModeTitle(r.FilingMode), tc.title);
+    EXPECT_EQ(r.out.Main.MasMagiaM + r.out.Main.MasMagiaF, std::min(tc.joint, tc.separate));
+    EXPECT_EQ(r.out.Main.HachnasotF, tc.incomeF);
+}
+
+NishumInput lowSalaries() {
+    NishumInput n = couple();
+    n.Yegia.N158 = n.Yegia.N172 = 30000;  // both taxes wholly under the credits
+    return n;
+}
+NishumInput businessUnderOil(std::int32_t oil) {  // the joint way uses M's oil deduction against F's salary
+    NishumInput n = couple();
+    n.Yegia.N150 = 30000;
+    n.Yegia.N172 = 120000;
+    n.Nikuim.N116 = oil;
+    return n;
+}
+NishumInput lowSalariesSmallProperty() {
+    NishumInput n = withDependence(couple());
+    n.Yegia.N158 = 30000;
+    n.Yegia.N172 = 20000;
+    n.Yegia.N301 = 3000;
+    return n;
+}
+NishumInput spouseProperty(std::int32_t property) {  // F's property against the spouse points of the joint way
+    NishumInput n = withDependence(couple());
+    n.Yegia.N158 = 150000;
+    n.Yegia.N172 = 30000;
+    n.Yegia.N301 = property;
+    return n;
+}
+
+const char* const kSeparate = "חישוב נפרד";
+const char* const kSeparateProperty = "חישוב נפרד רכוש";
+const char* const kJoint = "חישוב מאוחד";
+
+INSTANTIATE_TEST_SUITE_P(
+    FilingModes, ModeTie,
+    ::testing::Values(
+        TieCase{"SeparateBothZero", lowSalaries, ModeSeparate, kSeparate, 0, 0, 30000},
+        TieCase{"SeparateEqual", [] { return businessUnderOil(14427); }, ModeSeparate, kSeparate, 7916, 7916, 120000},
+        TieCase{"SeparateJointOneLess", [] { return businessUnderOil(14431); }, ModeJoint, kJoint, 7915, 7916, 0},
+        TieCase{"PropertyBothZero", lowSalariesSmallProperty, ModeSeparateProperty, kSeparateProperty, 0, 0, 3000},
+        TieCase{"PropertyEqual", [] { return spouseProperty(14766); }, ModeSeparateProperty, kSeparateProperty, 23036,
+                23036, 14766},
+        TieCase{"PropertyJointOneLess", [] { return spouseProperty(14765); }, ModeJoint, kJoint, 23035, 23036, 0}),
+    [](const ::testing::TestParamInfo<TieCase>& info) { return std::string(info.param.name); });
+
+// The filing tests at their bounds: who is compared, and which way.
+TEST(FilingModes, TestsAtTheirBounds) {
+    struct Case {
+        const char* name;
+        std::function<NishumInput()> report;
+        int mode;
+        bool compared;
+    };
+    auto dependence = [](std::int32_t salaryF, std::int32_t propertyF) {
+        NishumInput n = withDependence(couple());
+        n.Yegia.N158 = 40000;
+        n.Yegia.N172 = salaryF;
+        n.Yegia.N301 = propertyF;
+        return n;
+    };
+    // Lines of both spouses go with the one who earned more, with M on a tie.
+    auto sharedLine = [](std::int32_t salaryF) {
+        NishumInput n = couple();
+        n.Yegia.N158 = 20000;
+        n.Yegia.N172 = salaryF;
+        n.Yegia.N059 = 10000;
+        return n;
+    };
+    const Case cases[] = {
+        // One shekel of F's property is enough for the separate run on property to be tried.
+        {"PropertyOfOne", [&] { return dependence(80000, 1); }, ModeJoint, true},
+        // Both tests above the joint limit: separate on property without a joint run.
+        {"PropertyAtLimit", [&] { return dependence(80000, 65400); }, ModeSeparateProperty, true},
+        {"PropertyAboveLimit", [&] { return dependence(80000, 65401); }, ModeSeparateProperty, false},
+        {"MWithFEarnedAtLimit", [&] { return dependence(25400, 70000); }, ModeSeparateProperty, true},
+        {"MWithFEarnedAboveLimit", [&] { return dependence(25401, 70000); }, ModeSeparateProperty, false},
+        {"SharedLineWithMOnTie", [&] { return sharedLine(20000); }, ModeAlone, false},
+        {"SharedLineWithFWhenMore", [&] { return sharedLine(20001); }, ModeSeparate, true},
+    };
+    for (const Case& c : cases) {
+        const CalcResult r = calc(c.report());
+        EXPECT_EQ(r.FilingMode, c.mode) << c.name;
+        EXPECT_EQ(r.compared, c.compared) << c.name;
+    }
 }
 
 }  // namespace
