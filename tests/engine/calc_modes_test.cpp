@@ -193,11 +193,12 @@ TEST(FilingModes, TestsAtTheirBounds) {
         return n;
     };
     // Lines of both spouses go with the one who earned more, with M on a tie.
-    auto sharedLine = [](std::int32_t salaryF) {
+    enum Line { regular, special };
+    auto sharedLine = [](std::int32_t salaryF, Line line) {
         NishumInput n = couple();
         n.Yegia.N158 = 20000;
         n.Yegia.N172 = salaryF;
-        n.Yegia.N059 = 10000;
+        (line == regular ? n.Yegia.N059 : n.Rechush.N060) = 10000;
         return n;
     };
     const Case cases[] = {
@@ -208,8 +209,10 @@ TEST(FilingModes, TestsAtTheirBounds) {
         {"PropertyAboveLimit", [&] { return dependence(80000, 65401); }, ModeSeparateProperty, false},
         {"MWithFEarnedAtLimit", [&] { return dependence(25400, 70000); }, ModeSeparateProperty, true},
         {"MWithFEarnedAboveLimit", [&] { return dependence(25401, 70000); }, ModeSeparateProperty, false},
-        {"SharedLineWithMOnTie", [&] { return sharedLine(20000); }, ModeAlone, false},
-        {"SharedLineWithFWhenMore", [&] { return sharedLine(20001); }, ModeSeparate, true},
+        {"SharedRegularLineWithMOnTie", [&] { return sharedLine(20000, regular); }, ModeAlone, false},
+        {"SharedRegularLineWithFWhenMore", [&] { return sharedLine(20001, regular); }, ModeSeparate, true},
+        {"SharedSpecialLineWithMOnTie", [&] { return sharedLine(20000, special); }, ModeAlone, false},
+        {"SharedSpecialLineWithFWhenMore", [&] { return sharedLine(20001, special); }, ModeSeparate, true},
     };
     for (const Case& c : cases) {
         const CalcResult r = calc(c.report());

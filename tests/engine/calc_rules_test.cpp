@@ -177,6 +177,77 @@ INSTANTIATE_TEST_SUITE_P(
                   {"CBL.BLM_AZMAI_1236", 35451}, {"CBL.BLM_TOTAL_TASH", 35451 + 6547}}}),
     ruleName);
 
+// Pension deposits of 10,000 and `employer` more of the employer's, with a claim for the pension credit
+// above its general ceiling.
+std::function<void(NishumInput&)> pensionCredit(std::int32_t employer) {
+    return [employer](NishumInput& n) {
+        n.Yegia.N150 = 200000;
+        n.Nikuim.N135 = 10000;
+        n.Nikuim.N248 = employer;
+        n.Zikuim.N045 = 9000;
+    };
+}
+
+// Comparisons of the calculation on each side of their bound.
+INSTANTIATE_TEST_SUITE_P(
+    Boundaries, Rules,
+    ::testing::Values(
+        // The lines of both spouses go with the one who earned more; with M on a tie.
+        RuleCase{"SharedLinesWithMOnTie", true,
+                 [](N& n) { n.Yegia.N158 = n.Yegia.N172 = 70000; n.Yegia.N059 = 10000; },
+                 {{"CHachnasot.N201", 10000}, {"CHachnasot.N301", 0}, {"CBL.BLM_HEINO", 10000}, {"CBL.BLF_HEINO", 0}}},
+        RuleCase{"SharedLinesWithFWhenMore", true,
+                 [](N& n) { n.Yegia.N158 = 70000; n.Yegia.N172 = 70001; n.Yegia.N059 = 10000; },
+                 {{"CHachnasot.N201", 0}, {"CHachnasot.N301", 10000}, {"CBL.BLM_HEINO", 0}, {"CBL.BLF_HEINO", 10000}}},
+        // A single person's lines of both spouses count in the income that shrinks the exempt-interest pool.
+        RuleCase{"SharedRegularLineInTheSinglesTotal", false,
+                 [](N& n) { n.Yegia.N059 = 50000; n.Rechush.N217 = 20000; }, {{"CMeyuchad.NET_217", 20000 - 2480}}},
+        RuleCase{"SharedSpecialLineInTheSinglesTotal", false,
+                 [](N& n) { n.Rechush.N060 = 50000; n.Rechush.N217 = 20000; }, {{"CMeyuchad.NET_217", 20000 - 2480}}},
+        // Deposits of KIZVA_MIN (16,890) open the second pension limit.
+        RuleCase{"PensionBelowSecondLimit", false, [](N& n) { n.Yegia.N150 = 200000; n.Nikuim.N135 = 16889; },
+                 {{"CNikuim.N135H", 10332}}},
+        RuleCase{"PensionAtSecondLimit", false, [](N& n) { n.Yegia.N150 = 200000; n.Nikuim.N135 = 16890; },
+                 {{"CNikuim.N135H", 16890}}},
+        // ...also for the credit, where the deposits of line 53 count with the own ones.
+        RuleCase{"PensionCreditBelowSecondLimit", false, pensionCredit(6889), {{"CZikuim.HUTAR_045", 7380}}},
+        RuleCase{"PensionCreditAtSecondLimit", false, pensionCredit(6890), {{"CZikuim.HUTAR_045", 9000}}},
+        // The limited-rate line: up to 30% it keeps its rate; above, it moves into regular income while
+        // that is low, up to the top of bracket 3, or of bracket 4 above 45%.
+        RuleCase{"LimitedRateAt30", false,
+                 [](N& n) { n.Yegia.N158 = 50000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 30; },
+                 {{"CHachnasot.AcheretMB1", 0}, {"CMeyuchad.MAS_AcheretM", 3000}}},
+        RuleCase{"LimitedRateAt31", false,
+                 [](N& n) { n.Yegia.N158 = 50000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 31; },
+                 {{"CHachnasot.AcheretMB1", 10000}, {"CMeyuchad.MAS_AcheretM", 0}}},
+        RuleCase{"LimitedRateAt45", false,
+                 [](N& n) { n.Yegia.N158 = 200000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 45; },
+                 {{"CHachnasot.AcheretMB1", 0}, {"CMeyuchad.MAS_AcheretM", 4500}}},
+        RuleCase{"LimitedRateAt46", false,
+                 [](N& n) { n.Yegia.N158 = 200000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 46; },
+                 {{"CHachnasot.AcheretMB1", 10000}, {"CMeyuchad.MAS_AcheretM", 0}}},
+        // Youth: 16 or 17 in the tax year.
+        RuleCase{"YouthAt15", false, [](N& n) { n.Pratim.BirthDateM = ymd(2000, 1, 1); }, {{"CZikuim.NEKUDA_020AM", 0}}},
+        RuleCase{"YouthAt16", false, [](N& n) { n.Pratim.BirthDateM = ymd(1999, 12, 31); }, {{"CZikuim.NEKUDA_020AM", 1}}},
+        RuleCase{"YouthAt17", false, [](N& n) { n.Pratim.BirthDateM = ymd(1998, 1, 1); }, {{"CZikuim.NEKUDA_020AM", 1}}},
+        RuleCase{"YouthSpouseAt16", true,
+                 [](N& n) { n.Pratim.BirthDateF = ymd(1999, 6, 1); n.Yegia.N158 = n.Yegia.N172 = 70000; },
+                 {{"CZikuim.NEKUDA_020AM", 1}}},
+        RuleCase{"YouthAt18", false, [](N& n) { n.Pratim.BirthDateM = ymd(1997, 12, 31); }, {{"CZikuim.NEKUDA_020AM", 0}}},
+        // National insurance: business income one shekel above the floor of other income is charged as such,
+        // raised to the minimum; other income charged only above the salary, or above business income.
+        RuleCase{"BusinessAboveOtherFloor", false, [](N& n) { n.Yegia.N150 = 16669; },
+                 {{"CBL.BLM_AZMAI_TTL", 27780}, {"CBL.BLM_HEINO_TTL", 0}}},
+        RuleCase{"OtherEqualToSalary", false, [](N& n) { n.Yegia.N158 = 20000; n.Yegia.N201 = 20000; },
+                 {{"CBL.BLM_HEINO_TTL", 0}}},
+        RuleCase{"OtherAboveSalary", false, [](N& n) { n.Yegia.N158 = 20000; n.Yegia.N201 = 20001; },
+                 {{"CBL.BLM_HEINO_TTL", 19533}}},
+        RuleCase{"OtherEqualToBusiness", false, [](N& n) { n.Yegia.N150 = 30000; n.Yegia.N201 = 30000; },
+                 {{"CBL.BLM_HEINO_TTL", 0}}},
+        RuleCase{"OtherAboveBusiness", false, [](N& n) { n.Yegia.N150 = 30000; n.Yegia.N201 = 30001; },
+                 {{"CBL.BLM_HEINO_TTL", 29299}}}),
+    ruleName);
+
 TEST(AgeRules, OlderPersonsPensionLimitFromFirstJanuary) {
     auto pension = [](Date birth) {
         NishumInput n = single();
