@@ -188,6 +188,15 @@ std::function<void(NishumInput&)> pensionCredit(std::int32_t employer) {
     };
 }
 
+// A salary and 10,000 on the limited-rate line at `rate` percent.
+std::function<void(NishumInput&)> limitedRate(std::int32_t salary, std::int32_t rate) {
+    return [=](NishumInput& n) {
+        n.Yegia.N158 = salary;
+        n.Rechush.AcheretM = 10000;
+        n.Rechush.AcheretRate = rate;
+    };
+}
+
 // Comparisons of the calculation on each side of their bound.
 INSTANTIATE_TEST_SUITE_P(
     Boundaries, Rules,
@@ -214,17 +223,13 @@ INSTANTIATE_TEST_SUITE_P(
         RuleCase{"PensionCreditAtSecondLimit", false, pensionCredit(6890), {{"CZikuim.HUTAR_045", 9000}}},
         // The limited-rate line: up to 30% it keeps its rate; above, it moves into regular income while
         // that is low, up to the top of bracket 3, or of bracket 4 above 45%.
-        RuleCase{"LimitedRateAt30", false,
-                 [](N& n) { n.Yegia.N158 = 50000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 30; },
+        RuleCase{"LimitedRateAt30", false, limitedRate(50000, 30),
                  {{"CHachnasot.AcheretMB1", 0}, {"CMeyuchad.MAS_AcheretM", 3000}}},
-        RuleCase{"LimitedRateAt31", false,
-                 [](N& n) { n.Yegia.N158 = 50000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 31; },
+        RuleCase{"LimitedRateAt31", false, limitedRate(50000, 31),
                  {{"CHachnasot.AcheretMB1", 10000}, {"CMeyuchad.MAS_AcheretM", 0}}},
-        RuleCase{"LimitedRateAt45", false,
-                 [](N& n) { n.Yegia.N158 = 200000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 45; },
+        RuleCase{"LimitedRateAt45", false, limitedRate(200000, 45),
                  {{"CHachnasot.AcheretMB1", 0}, {"CMeyuchad.MAS_AcheretM", 4500}}},
-        RuleCase{"LimitedRateAt46", false,
-                 [](N& n) { n.Yegia.N158 = 200000; n.Rechush.AcheretM = 10000; n.Rechush.AcheretRate = 46; },
+        RuleCase{"LimitedRateAt46", false, limitedRate(200000, 46),
                  {{"CHachnasot.AcheretMB1", 10000}, {"CMeyuchad.MAS_AcheretM", 0}}},
         // Youth: 16 or 17 in the tax year.
         RuleCase{"YouthAt15", false, [](N& n) { n.Pratim.BirthDateM = ymd(2000, 1, 1); }, {{"CZikuim.NEKUDA_020AM", 0}}},
