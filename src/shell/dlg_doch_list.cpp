@@ -163,14 +163,14 @@ void DochListDialog::reload() {
 
 // The first row of the grid becomes the current one (none in an empty grid).
 void DochListDialog::resetCurrentRow() {
-    grid_->clearSelection();
     if (filter_->rowCount() == 0) {
-        grid_->setCurrentIndex({});
+        grid_->selectionModel()->clear();
         return;
     }
     const QModelIndex first = filter_->index(0, ColId);
-    grid_->setCurrentIndex(first);
-    grid_->selectRow(0);
+    // Through the selection model: the view's own row selection needs a laid
+    // out header, which a grid not yet shown lacks.
+    grid_->selectionModel()->setCurrentIndex(first, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     grid_->scrollTo(first);
 }
 
