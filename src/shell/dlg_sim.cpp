@@ -145,11 +145,16 @@ int SimDialog::exec() {
     if (question_ == SimQuestion::IncomeForTaxPaid) {
         runSim(0);
         if (!hasAnswer_) return Rejected;
-        cmdUpdate_->setFocus(Qt::OtherFocusReason);
-    } else {
-        txtSum_->setFocus(Qt::OtherFocusReason);
     }
     return QDialog::exec();
+}
+
+void SimDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (question_ == SimQuestion::IncomeForTaxPaid)
+        cmdUpdate_->setFocus(Qt::OtherFocusReason);
+    else
+        txtSum_->setFocus(Qt::OtherFocusReason);
 }
 
 Amount SimDialog::answerIncome() const {

@@ -46,6 +46,9 @@ public:
     // The business income that "עדכון" would store.
     Amount answerIncome() const;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void calcClicked();
     void updateClicked();
