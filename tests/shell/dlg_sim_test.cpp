@@ -14,23 +14,16 @@
 
 #include "core/values.h"
 #include "engine/const_doch.h"
-#include "report/report_json.h"
 #include "shell/dlg_sim.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
+using namespace zelmor::shell::testing;
 
 namespace {
-
-const QString kReports = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/");
-
-NishumInput goldenReport(const QString& name) {
-    QFile f(kReports + name);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << name.toStdString();
-    return parseReportDocument(f.readAll().toStdString());
-}
 
 QString shown(Amount a) { return QString::fromStdString(FormatAmount(a.value())); }
 
@@ -211,7 +204,7 @@ TEST_F(SimDialogTest, AnswerEqualsTheCommandLineTool) {
     QProcess p;
     p.start(cli, {QStringLiteral("solve"), QStringLiteral("--question"), QStringLiteral("4"), QStringLiteral("--sum"),
                   QStringLiteral("6000"), QStringLiteral("--today"), QStringLiteral("2016-06-30"),
-                  QStringLiteral("--data-dir"), dir.path(), kReports + QStringLiteral("couple.json")});
+                  QStringLiteral("--data-dir"), dir.path(), kGoldenReports + QStringLiteral("couple.json")});
     ASSERT_TRUE(p.waitForFinished(-1));
     ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     const QJsonObject doc = QJsonDocument::fromJson(p.readAllStandardOutput()).object();

@@ -11,16 +11,14 @@
 
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"
+#include "shell/dlg_test_support.h"
 #include "storage/install_files.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
+using namespace zelmor::shell::testing;
 
 namespace {
-
-void typeText(QWidget* w, const QString& text) {
-    for (const QChar ch : text) QTest::sendKeyEvent(QTest::Click, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-}
 
 TEST(NameDialogTest, StoresTheTrimmedNameOnOkOnly) {
     QTemporaryDir dir;
