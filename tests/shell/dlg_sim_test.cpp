@@ -157,16 +157,6 @@ TEST_F(SimDialogTest, UpdateStoresTheIncomeAndCancelKeepsIt) {
         EXPECT_EQ(report.Yegia.N150, n150 + 7000);
         EXPECT_EQ(report.Yegia.TTLM, SumTTLM(report.Yegia));
     }
-    {
-        const SimResult expected = solve(SimQuestion::TaxChange, 4000, report);
-        ASSERT_FALSE(expected.isSimFail);
-        SimDialog dlg(SimQuestion::TaxChange, report, c, *madad, today);
-        dlg.show();
-        ask(dlg, QStringLiteral("4000"));
-        child<QPushButton>(dlg, "cmdUpdate")->click();
-        EXPECT_EQ(report.Yegia.N150, expected.SimValue);
-        EXPECT_EQ(report.Yegia.TTLM, SumTTLM(report.Yegia));
-    }
 }
 
 // The tax-paid question asks no sum: it is answered before the dialog shows.
