@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "shell/messages.h"
+#include "shell/store_messages.h"
 #include "storage/report_db.h"
 
 namespace zelmor::shell {
@@ -24,18 +25,9 @@ const QString kTitle = QStringLiteral("רשימת נישומים");
 
 // The one place where what storage says reaches the user: a failed call shows
 // its message and the caller learns whether the call went through.
-bool showStoreOutcome(QWidget* parent, const storage::StoreOutcome& outcome) {
-    if (!outcome.text.empty()) {
-        MsgIcon icon = MsgIcon::None;
-        switch (outcome.icon) {
-            case storage::MessageIcon::Information: icon = MsgIcon::Information; break;
-            case storage::MessageIcon::Exclamation: icon = MsgIcon::Exclamation; break;
-            case storage::MessageIcon::Stop: icon = MsgIcon::Stop; break;
-            case storage::MessageIcon::None: break;
-        }
-        const QString title = outcome.title.empty() ? kTitle : QString::fromStdString(outcome.title);
-        showMessage(parent, icon, title, QString::fromStdString(outcome.text));
-    }
+bool showStoreOutcome(QWidget* parent, StoreAction action, const storage::StoreOutcome& outcome) {
+    const ShownMessage m = storeMessage(action, outcome);
+    if (!m.text.isEmpty()) showMessage(parent, m.icon, m.title, m.text);
     return outcome.ok;
 }
 
@@ -44,8 +36,12 @@ bool showStoreOutcome(QWidget* parent, const storage::StoreOutcome& outcome) {
 std::vector<storage::NameRow> readNames(QWidget* parent, storage::ReportDb& db, storage::ListOrder order) {
     try {
         return db.listNames(order);
-    } catch (const std::exception& e) {
-        showStoreOutcome(parent, {false, storage::MessageIcon::Stop, {}, e.what()});
+    } catch (const storage::StorageError& e) {
+        storage::StoreOutcome failed;
+        failed.error = e.kind();
+        failed.database = db.location();
+        failed.detail = e.what();
+        showStoreOutcome(parent, StoreAction::Open, failed);
         return {};
     }
 }
@@ -199,7 +195,7 @@ void DochListDialog::deleteCurrent() {
     const int row = currentSourceRow();
     // No row selected: the id is empty and storage deletes nothing.
     const QString id = row < 0 ? QString() : model_->item(row, ColId)->text();
-    showStoreOutcome(this, db_.deleteNishum(id.toStdString()));
+    showStoreOutcome(this, StoreAction::Delete, db_.deleteNishum(id.toStdString()));
     reload();
 }
 
