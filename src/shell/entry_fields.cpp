@@ -2,6 +2,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFontMetrics>
 #include <QLabel>
@@ -91,7 +92,7 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
             } else {
                 numberLook(e);
                 const bool narrow = def.type == FieldType::Count || def.display == Display::Plain;
-                e->setFixedWidth(textWidth(fm, narrow ? QStringLiteral("00,000-") : QStringLiteral("999,999,999-")));
+                e->setFixedWidth(textWidth(fm, narrow ? QStringLiteral("0000") : QStringLiteral("99,999,999-")));
             }
             e->setFixedHeight(height);
             break;
@@ -104,7 +105,8 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                 w.button = new QRadioButton(text, parent);
             else
                 w.button = new QCheckBox(text, parent);
-            w.button->setFixedHeight(height);
+            // A button needs less height than a framed field: rows of declarations stay compact.
+            w.button->setFixedHeight(QFontMetrics(parent->font()).height() + 3);
             break;
         }
         case Control::List: {
@@ -120,7 +122,7 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                     widest = std::max(widest, fm.horizontalAdvance(utf8(e)));
                 }
             }
-            const int arrow = fm.height() + 16;
+            const int arrow = fm.height() + 12;
             const int full = widest + arrow;
             if (def.list == ListId::Degree) {
                 // Narrow, showing the degree's digit, until it gets the focus.
@@ -128,6 +130,10 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                 c->setProperty("narrowWidth", narrow);
                 c->setProperty("wideWidth", full);
                 c->setFixedWidth(narrow);
+            } else if (def.list == ListId::Settlement) {
+                // The ceilings in the entries are long; the open list shows them whole.
+                c->setFixedWidth(fm.horizontalAdvance(QStringLiteral("גבול הצפון (תק")) + arrow);
+                c->view()->setMinimumWidth(full);
             } else {
                 c->setFixedWidth(full);
             }

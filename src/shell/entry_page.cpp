@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QFontMetrics>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <limits>
@@ -67,6 +68,8 @@ EntryPage::EntryPage(SectionId section, const NishumInput* report, QWidget* pare
     setAutoFillBackground(true);
     build();
     setFixedSize(childSize());
+    qDebug("%s needs %dx%d", sectionDef(section).name, layout()->minimumSize().width(), layout()->minimumSize().height());
+    if (qEnvironmentVariableIsSet("DBGW")) for (QWidget* b : findChildren<QWidget*>()) { auto* l = qobject_cast<QLabel*>(b); qDebug("  %s %s min %d hint %d minw %d", b->metaObject()->className(), l ? qPrintable(l->text()) : qPrintable(b->objectName()), b->minimumSizeHint().width(), b->sizeHint().width(), b->minimumWidth()); }
 }
 
 EntryPage::~EntryPage() {
@@ -82,7 +85,7 @@ QFont EntryPage::screenFont() {
     return f;
 }
 
-QSize EntryPage::childSize() { return {600, 400}; }
+QSize EntryPage::childSize() { return {600, 480}; }
 
 EntryPage::Slot* EntryPage::slotOf(QObject* widget) const {
     for (Slot* s : slots_)
@@ -106,40 +109,34 @@ QWidget* EntryPage::fieldWidget(const QString& name) const {
 
 void EntryPage::build() {
     const EntryPageLayout& layout = entryLayout(section_);
-    const int rowHeight = fieldHeight(font());
-
-    auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(6, 3, 6, 3);
-    outer->setSpacing(2);
-
     std::map<const FieldDef*, Slot*> byDef;
-    auto slotFor = [&](const FieldDef* def) -> Slot& {
-        auto& s = byDef[def];
-        if (!s) {
-            s = new Slot;
-            s->def = def;
-        }
-        return *s;
-    };
+    std::vector<QWidget*> blocks;
 
     for (const EntryBlock& block : layout.blocks) {
         if (!onScreen(block.medium)) continue;
+        auto* area = new QWidget(this);
+        blocks.push_back(area);
+        auto* v = new QVBoxLayout(area);
+        v->setContentsMargins(0, 0, 0, 0);
+        v->setSpacing(1);
+
         auto* head = new QHBoxLayout;
         head->setSpacing(12);
-        QLabel* heading = label(QString::fromUtf8(block.heading.screen), this);
+        QLabel* heading = label(QString::fromUtf8(block.heading.screen), area);
         QFont bold = font();
         bold.setBold(true);
         heading->setFont(bold);
         head->addWidget(heading);
-        if (*block.lines.screen) head->addWidget(label(QString::fromUtf8(block.lines.screen), this));
+        if (*block.lines.screen) head->addWidget(label(QString::fromUtf8(block.lines.screen), area));
         head->addStretch(1);
-        outer->addLayout(head);
+        v->addLayout(head);
 
         // Grid columns: 0 the row captions, then for each column of the block
         // the line codes and the fields.
         auto* grid = new QGridLayout;
         grid->setHorizontalSpacing(4);
         grid->setVerticalSpacing(1);
+        v->addLayout(grid);
         const int columns = static_cast<int>(block.columns.size());
         const int lastColumn = std::max(2 * columns, 1);
         int r = 0;
@@ -147,11 +144,11 @@ void EntryPage::build() {
             bool subs = false;
             for (int j = 0; j < columns; ++j) {
                 const ColumnHead& h = block.columns[static_cast<std::size_t>(j)];
-                QLabel* l = label(QString::fromUtf8(h.text.screen), this);
+                QLabel* l = label(QString::fromUtf8(h.text.screen), area);
                 l->setAlignment(Qt::AlignCenter);
                 grid->addWidget(l, r, 1 + 2 * j, 1, 2);
                 if (*h.sub) {
-                    QLabel* sub = label(QString::fromUtf8(h.sub), this);
+                    QLabel* sub = label(QString::fromUtf8(h.sub), area);
                     sub->setAlignment(Qt::AlignCenter);
                     grid->addWidget(sub, r + 1, 1 + 2 * j, 1, 2);
                     subs = true;
@@ -163,50 +160,90 @@ void EntryPage::build() {
             if (!onScreen(row.medium)) continue;
             const QString caption = QString::fromUtf8(row.caption.screen);
             if (row.cells.empty()) {
-                grid->addWidget(label(caption, this), r, 0, 1, lastColumn + 1);
-                ++r;
+                grid->addWidget(label(caption, area), r++, 0, 1, lastColumn + 1);
                 continue;
             }
-            if (!caption.isEmpty()) grid->addWidget(label(caption, this), r, 0);
-            std::map<int, QHBoxLayout*> boxes;  // by column of the block, -1 spanning them all
+            // A row captioned like one of its cells shows the caption once, beside the cell.
+            bool repeated = false, ownCaptions = true, outsideColumns = true, someOutside = false;
+            for (const EntryCell& cell : row.cells) {
+                if (!onScreen(cell.medium) || !cell.field) continue;
+                const FieldDef& def = *findField(sectionDef(section_).name, cell.field);
+                const bool button = def.control == Control::Option || def.control == Control::CheckBox;
+                if (caption == QString::fromUtf8(cell.caption.screen) || (button && caption == QString::fromUtf8(def.caption)))
+                    repeated = true;
+                if (!*cell.caption.screen) ownCaptions = false;
+                if (cell.column != Person::None) outsideColumns = false;
+                else someOutside = true;
+            }
+            const bool showCaption = !caption.isEmpty() && !repeated;
+            // A row of captioned cells, or of cells outside the block's columns,
+            // runs across the block, its caption first.
+            const bool across = (columns == 0 && ownCaptions && showCaption) || (columns > 0 && outsideColumns);
+            std::map<int, QHBoxLayout*> boxes;  // by column of the block; -1 the caption's place
+            // A captioned cell may use the code column of its column as well, and
+            // the first column the caption's place when the row shows none.
+            auto boxAt = [&](int j, bool captioned = false) -> QHBoxLayout* {
+                QHBoxLayout*& box = boxes[j];
+                if (box) return box;
+                box = new QHBoxLayout;
+                box->setSpacing(3);
+                if (j == 0 && !showCaption)
+                    grid->addLayout(box, r, 0, 1, 3);
+                else if (j >= 0 && captioned)
+                    grid->addLayout(box, r, 1 + 2 * j, 1, 2);
+                else if (j >= 0)
+                    grid->addLayout(box, r, 2 + 2 * j);
+                else if (columns > 0 || across)
+                    grid->addLayout(box, r, 0, 1, across ? lastColumn + 1 : 1);
+                else
+                    grid->addLayout(box, r, 1, 1, lastColumn);
+                return box;
+            };
+            if (showCaption) {
+                // Long captions wrap rather than push the fields off the page.
+                QLabel* l = label(caption, area);
+                l->setWordWrap(true);
+                l->setMinimumWidth(std::min(l->sizeHint().width(), QFontMetrics(font()).averageCharWidth() * 22));
+                if (across || (columns > 0 && someOutside))
+                    boxAt(-1)->addWidget(l, 1);
+                else
+                    grid->addWidget(l, r, 0);
+            }
             for (const EntryCell& cell : row.cells) {
                 if (!onScreen(cell.medium) || !cell.field) continue;
                 int j = -1;
                 for (int k = 0; k < columns; ++k)
                     if (block.columns[static_cast<std::size_t>(k)].column == cell.column) j = k;
                 const FieldDef* def = findField(sectionDef(section_).name, cell.field);
-                Slot& s = slotFor(def);
+                Slot*& slot = byDef[def];
+                if (!slot) slot = new Slot;
+                Slot& s = *slot;
+                s.def = def;
                 s.cell = &cell;
                 s.row = &row;
-                s.w = makeFieldWidget(*def, cell, this);
-                QHBoxLayout*& box = boxes[j];
-                if (!box) {
-                    box = new QHBoxLayout;
-                    box->setSpacing(3);
-                    if (j >= 0) {
-                        grid->addLayout(box, r, 2 + 2 * j);
-                        if (s.w.code) grid->addWidget(s.w.code, r, 1 + 2 * j);
-                        s.w.code = nullptr;
-                    } else {
-                        grid->addLayout(box, r, 1, 1, lastColumn);
-                    }
-                } else {
-                    box->addSpacing(10);
+                s.w = makeFieldWidget(*def, cell, area);
+                const bool first = !boxes.count(j) || (j < 0 && boxes[j]->count() == 1 && showCaption);
+                const bool captioned = *cell.caption.screen;
+                QHBoxLayout* box = boxAt(j, captioned);
+                if (!first) box->addSpacing(6);
+                if (s.w.code && j >= 0 && first && (j > 0 || showCaption) && !captioned) {
+                    grid->addWidget(s.w.code, r, 1 + 2 * j);
+                } else if (s.w.code) {
+                    box->addWidget(s.w.code);
                 }
-                if (s.w.code) box->addWidget(s.w.code);
                 for (QWidget* piece : s.w.before) box->addWidget(piece);
                 // Text fields take the room the row leaves, up to their own length.
                 box->addWidget(s.w.widget, s.w.widget->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding ? 10 : 0);
                 for (QWidget* piece : s.w.after) box->addWidget(piece);
             }
             for (auto& entry : boxes) entry.second->addStretch(1);
-            grid->setRowMinimumHeight(r, rowHeight);
             ++r;
         }
         for (int c = 1; c <= lastColumn; ++c) grid->setColumnStretch(c, c % 2 == 0 ? 1 : 0);
-        outer->addLayout(grid);
+        grid->setColumnStretch(0, 1);
+        v->addStretch(1);
     }
-    outer->addStretch(1);
+    placeBlocks(blocks);
 
     // Catalogue order, for the rules that walk the fields.
     for (const FieldDef& def : sectionFields(section_)) {
@@ -223,21 +260,76 @@ void EntryPage::build() {
     for (Slot* s : entries) tabOrder_.push_back(s->w.widget);
     for (std::size_t i = 1; i < tabOrder_.size(); ++i) setTabOrder(tabOrder_[i - 1], tabOrder_[i]);
 
-    // Accessible names: the caption, and the column head where the same caption stands in several columns.
-    std::map<QString, int> uses;
-    for (Slot* s : slots_) ++uses[s->w.widget->accessibleName()];
-    for (Slot* s : slots_) {
-        const QString name = s->w.widget->accessibleName();
-        const char* head = s->cell ? columnHead(s->cell->column) : "";
-        if (uses[name] > 1 && *head) s->w.widget->setAccessibleName(name + QStringLiteral(" - ") + QString::fromUtf8(head));
+    // Accessible names: the row's caption (or the cell's own), then, where
+    // several fields share it, the column head, the cell's caption, the field.
+    auto disambiguate = [this](auto&& extra) {
+        std::map<QString, int> uses;
+        for (Slot* s : slots_) ++uses[s->w.widget->accessibleName()];
+        for (Slot* s : slots_) {
+            const QString more = extra(*s);
+            if (uses[s->w.widget->accessibleName()] > 1 && !more.isEmpty())
+                s->w.widget->setAccessibleName(s->w.widget->accessibleName() + QStringLiteral(" - ") + more);
+        }
+    };
+    disambiguate([](const Slot& s) { return QString::fromUtf8(s.cell ? columnHead(s.cell->column) : ""); });
+    disambiguate([](const Slot& s) { return QString::fromUtf8(s.cell ? s.cell->caption.screen : "").trimmed(); });
+    disambiguate([](const Slot& s) { return QString::fromLatin1(s.def->name); });
+}
+
+// The blocks top to bottom; a page too tall for its area keeps its wide
+// blocks across the top and flows the others into two columns, right then left.
+void EntryPage::placeBlocks(const std::vector<QWidget*>& blocks) {
+    auto* outer = new QGridLayout(this);
+    constexpr int kMargin = 6, kGap = 3, kColumnGap = 12;
+    outer->setContentsMargins(kMargin, kGap, kMargin, kGap);
+    outer->setHorizontalSpacing(kColumnGap);
+    outer->setVerticalSpacing(kGap);
+    const QSize area = childSize() - QSize(2 * kMargin, 2 * kGap);
+    std::vector<int> heights;
+    int total = 0;
+    for (QWidget* b : blocks) {
+        heights.push_back(b->minimumSizeHint().height());
+        total += heights.back() + kGap;
     }
+    const int n = static_cast<int>(blocks.size());
+    if (total - kGap <= area.height()) {
+        for (int i = 0; i < n; ++i) outer->addWidget(blocks[static_cast<std::size_t>(i)], i, 0, 1, 2);
+        outer->setRowStretch(n, 1);
+        return;
+    }
+    const int half = (area.width() - kColumnGap) / 2;
+    int wide = 0;
+    while (wide < n && blocks[static_cast<std::size_t>(wide)]->minimumSizeHint().width() > half) ++wide;
+    // The split that makes the taller of the two columns lowest.
+    int split = wide, best = std::numeric_limits<int>::max();
+    for (int k = wide; k <= n; ++k) {
+        int right = 0, left = 0;
+        for (int i = wide; i < n; ++i) (i < k ? right : left) += heights[static_cast<std::size_t>(i)] + kGap;
+        if (std::max(right, left) < best) {
+            best = std::max(right, left);
+            split = k;
+        }
+    }
+    for (int i = 0; i < wide; ++i) outer->addWidget(blocks[static_cast<std::size_t>(i)], i, 0, 1, 2);
+    auto* right = new QVBoxLayout;
+    auto* left = new QVBoxLayout;
+    for (auto* column : {right, left}) column->setSpacing(kGap);
+    for (int i = wide; i < n; ++i) (i < split ? right : left)->addWidget(blocks[static_cast<std::size_t>(i)]);
+    right->addStretch(1);
+    left->addStretch(1);
+    outer->addLayout(right, wide, 0);
+    outer->addLayout(left, wide, 1);
+    outer->setColumnStretch(0, 1);
+    outer->setColumnStretch(1, 1);
+    outer->setRowStretch(wide, 1);
 }
 
 void EntryPage::addField(Slot& s) {
     QWidget* w = s.w.widget;
-    QString accessible = QString::fromUtf8(s.cell && *s.cell->caption.screen ? s.cell->caption.screen : s.def->caption);
-    if (accessible.isEmpty() && s.row) accessible = QString::fromUtf8(s.row->caption.screen);
-    w->setAccessibleName(accessible);
+    QString accessible = QString::fromUtf8(s.row ? s.row->caption.screen : "");
+    if (accessible.isEmpty() && s.cell) accessible = QString::fromUtf8(s.cell->caption.screen);
+    if (accessible.isEmpty()) accessible = QString::fromUtf8(s.def->caption);
+    w->setAccessibleName(accessible.trimmed());
     if (s.def->control == Control::Total) return;
     w->installEventFilter(this);
     if (s.w.edit) connect(s.w.edit, &QLineEdit::textEdited, this, &EntryPage::edited);

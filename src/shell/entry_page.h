@@ -60,6 +60,7 @@ private:
     Slot* slotOf(QObject* widget) const;
     Slot* slotNamed(const char* name) const;
     void build();
+    void placeBlocks(const std::vector<QWidget*>& blocks);
     void addField(Slot& s);
     bool runLeaveRule(Slot& s);
     void refocus(Slot& s);
