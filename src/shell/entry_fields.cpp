@@ -51,6 +51,11 @@ std::int64_t memberValue(const FieldDef& f, const NishumInput& n) {
 
 }  // namespace
 
+QString buttonText(const FieldDef& def) {
+    if (def.control != Control::Option && def.control != Control::CheckBox) return {};
+    return *def.code && def.control == Control::CheckBox ? utf8(def.code) + QLatin1Char(':') : utf8(def.caption);
+}
+
 int fieldHeight(const QFont& font) { return QFontMetrics(font).height() + 5; }
 
 FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget* parent) {
@@ -99,8 +104,7 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
         }
         case Control::Option:
         case Control::CheckBox: {
-            const QString text = *def.code && def.control == Control::CheckBox ? utf8(def.code) + QLatin1Char(':')
-                                                                                : utf8(def.caption);
+            const QString text = buttonText(def);
             if (def.control == Control::Option)
                 w.button = new QRadioButton(text, parent);
             else

@@ -37,6 +37,9 @@ struct FieldWidget {
 // The height of one row of fields in `font`.
 int fieldHeight(const QFont& font);
 
+// The text of an option or check box: a check box of a form line shows its code ("020:").
+QString buttonText(const FieldDef& def);
+
 FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget* parent);
 
 // The text as the screen shows it (a masked date with its blanks).

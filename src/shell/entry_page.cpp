@@ -68,8 +68,6 @@ EntryPage::EntryPage(SectionId section, const NishumInput* report, QWidget* pare
     setAutoFillBackground(true);
     build();
     setFixedSize(childSize());
-    qDebug("%s needs %dx%d", sectionDef(section).name, layout()->minimumSize().width(), layout()->minimumSize().height());
-    if (qEnvironmentVariableIsSet("DBGW")) for (QWidget* b : findChildren<QWidget*>()) { auto* l = qobject_cast<QLabel*>(b); qDebug("  %s %s min %d hint %d minw %d", b->metaObject()->className(), l ? qPrintable(l->text()) : qPrintable(b->objectName()), b->minimumSizeHint().width(), b->sizeHint().width(), b->minimumWidth()); }
 }
 
 EntryPage::~EntryPage() {
@@ -168,9 +166,7 @@ void EntryPage::build() {
             for (const EntryCell& cell : row.cells) {
                 if (!onScreen(cell.medium) || !cell.field) continue;
                 const FieldDef& def = *findField(sectionDef(section_).name, cell.field);
-                const bool button = def.control == Control::Option || def.control == Control::CheckBox;
-                if (caption == QString::fromUtf8(cell.caption.screen) || (button && caption == QString::fromUtf8(def.caption)))
-                    repeated = true;
+                if (caption == QString::fromUtf8(cell.caption.screen) || caption == buttonText(def)) repeated = true;
                 if (!*cell.caption.screen) ownCaptions = false;
                 if (cell.column != Person::None) outsideColumns = false;
                 else someOutside = true;
@@ -203,7 +199,9 @@ void EntryPage::build() {
                 // Long captions wrap rather than push the fields off the page.
                 QLabel* l = label(caption, area);
                 l->setWordWrap(true);
-                l->setMinimumWidth(std::min(l->sizeHint().width(), QFontMetrics(font()).averageCharWidth() * 22));
+                const QFontMetrics fm(font());
+                const int oneLine = fm.horizontalAdvance(caption) + 2;
+                l->setMinimumWidth(across ? oneLine : std::min(oneLine, fm.averageCharWidth() * 22));
                 if (across || (columns > 0 && someOutside))
                     boxAt(-1)->addWidget(l, 1);
                 else
@@ -240,7 +238,7 @@ void EntryPage::build() {
             ++r;
         }
         for (int c = 1; c <= lastColumn; ++c) grid->setColumnStretch(c, c % 2 == 0 ? 1 : 0);
-        grid->setColumnStretch(0, 1);
+        grid->setColumnStretch(0, 8);  // room goes to the captions first, so that they need not wrap
         v->addStretch(1);
     }
     placeBlocks(blocks);
