@@ -66,6 +66,9 @@ public:
         return {name, column, {field(name).caption, paper}, medium};
     }
 
+    // An option or check box, captioned alike on both media.
+    EntryCell option(const char* name) const { return own(Person::None, name, caption(name)); }
+
     const EntryPageLayout& finish() {
         for (const BlockSrc& b : src_) {
             auto& rows = rows_.emplace_back();
@@ -131,7 +134,7 @@ void pratim(Page& p) {
     // Paper prints the sex and the marital status on one line of words.
     p.row({}, {p.own(N, "isMale", "זכר "), p.own(N, "isFemale", "נקבה ")});
     p.row({"מצב משפחתי :", "מצב משפחתי: "},
-          {p.at(N, "isRavak"), p.at(N, "isNasuy"), p.at(N, "isAlman"), p.at(N, "isGarush")});
+          {p.option("isRavak"), p.option("isNasuy"), p.option("isAlman"), p.option("isGarush")});
     p.block({"פרטי הגשה והמסייע", "פרטי הגשה והמסייע"});
     p.row({}, {p.own(N, "DochDate", "תאריך הגשת הדו\"ח: ")});
     p.row({}, {p.own(N, "SupportName", "שם המסייע: "), p.own(N, "SupportDealerNum", "מס' עוסק: "),
@@ -297,7 +300,7 @@ void klaliim(Page& p) {
     // A declaration is a check box or an option with its caption; paper marks it
     // "x" or a blank. A "\n" in a paper caption breaks it over two lines.
     auto decl = [&p](const char* name, const char* paper = nullptr) {
-        return p.own(N, name, paper ? paper : p.caption(name));
+        return paper ? p.own(N, name, paper) : p.option(name);
     };
     p.block({"א. פרטים כלליים", "א. פרטים כלליים"});
     p.row({}, {p.own(N, "Shuma", "משרד השומה ")});
