@@ -18,11 +18,6 @@ namespace {
 
 QString utf8(const char* s) { return QString::fromUtf8(s); }
 
-QLabel* sideLabel(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setTextFormat(Qt::PlainText);
-    return l;
-}
 
 int textWidth(const QFontMetrics& fm, const QString& sample) { return fm.horizontalAdvance(sample) + 10; }
 
@@ -51,6 +46,12 @@ std::int64_t memberValue(const FieldDef& f, const NishumInput& n) {
 
 }  // namespace
 
+QLabel* plainLabel(const QString& text, QWidget* parent) {
+    auto* l = new QLabel(text, parent);
+    l->setTextFormat(Qt::PlainText);
+    return l;
+}
+
 QString buttonText(const FieldDef& def) {
     if (def.control != Control::Option && def.control != Control::CheckBox) return {};
     return *def.code && def.control == Control::CheckBox ? utf8(def.code) + QLatin1Char(':') : utf8(def.caption);
@@ -65,9 +66,9 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
     const QString cellCaption = utf8(cell.caption.screen);
     const bool isButton = def.control == Control::Option || def.control == Control::CheckBox;
 
-    if (!cellCaption.isEmpty() && !isButton) w.before.push_back(sideLabel(cellCaption, parent));
+    if (!cellCaption.isEmpty() && !isButton) w.before.push_back(plainLabel(cellCaption, parent));
     if (*def.code && !isButton && cellCaption.isEmpty())
-        w.code = sideLabel(utf8(def.code) + QLatin1Char(':'), parent);
+        w.code = plainLabel(utf8(def.code) + QLatin1Char(':'), parent);
 
     switch (def.control) {
         case Control::Edit:
@@ -148,8 +149,8 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
     w.widget = w.edit ? static_cast<QWidget*>(w.edit) : w.button ? static_cast<QWidget*>(w.button) : w.combo;
     w.widget->setObjectName(QString::fromLatin1(def.name));
 
-    if (*def.prefix) w.after.push_back(sideLabel(utf8(def.prefix), parent));
-    if (*def.caption2 && cellCaption != utf8(def.caption2)) w.after.push_back(sideLabel(utf8(def.caption2), parent));
+    if (*def.prefix) w.after.push_back(plainLabel(utf8(def.prefix), parent));
+    if (*def.caption2 && cellCaption != utf8(def.caption2)) w.after.push_back(plainLabel(utf8(def.caption2), parent));
     return w;
 }
 

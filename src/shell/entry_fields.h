@@ -16,6 +16,7 @@ class QAbstractButton;
 class QButtonGroup;
 class QComboBox;
 class QFont;
+class QLabel;
 class QLineEdit;
 class QWidget;
 
@@ -33,6 +34,9 @@ struct FieldWidget {
     std::vector<QWidget*> before, after;
     QWidget* code = nullptr;
 };
+
+// A label showing `text` as it stands (no rich text).
+QLabel* plainLabel(const QString& text, QWidget* parent);
 
 // The height of one row of fields in `font`.
 int fieldHeight(const QFont& font);

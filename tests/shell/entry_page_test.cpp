@@ -280,6 +280,33 @@ TEST_F(EntryPageTest, FemaleWordingOfTheMaritalOptions) {
     EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמן"));
 }
 
+TEST_F(EntryPageTest, HowFieldsLookAndBehave) {
+    report.Pratim.LastNameM = "כהן";
+    open(SectionId::Pratim);
+    // An empty date shows its mask; numbers read left to right inside the page.
+    EXPECT_EQ(edit("BirthDateM")->displayText(), QStringLiteral("  /  /    "));
+    EXPECT_EQ(edit("BirthDateM")->layoutDirection(), Qt::LeftToRight);
+    // The field Enter reaches has its text selected, ready to be typed over.
+    QTest::keyClick(field("IDM"), Qt::Key_Return);
+    EXPECT_EQ(focused(), QStringLiteral("LastNameM"));
+    EXPECT_EQ(edit("LastNameM")->selectedText(), QStringLiteral("כהן"));
+    // Options of one group exclude each other.
+    auto* married = qobject_cast<QAbstractButton*>(field("isNasuy"));
+    auto* single = qobject_cast<QAbstractButton*>(field("isRavak"));
+    married->click();
+    single->click();
+    EXPECT_FALSE(married->isChecked());
+    NishumInput n;
+    ASSERT_TRUE(page->map2Var(n));
+    EXPECT_TRUE(n.Pratim.isRavak);
+    EXPECT_FALSE(n.Pratim.isNasuy);
+
+    open(SectionId::Yegia);
+    EXPECT_EQ(edit("N150")->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight | Qt::AlignAbsolute);
+    EXPECT_TRUE(edit("TTLM")->isReadOnly());
+    EXPECT_EQ(edit("TTLM")->focusPolicy(), Qt::NoFocus);
+}
+
 TEST_F(EntryPageTest, PageKeysFromAnyField) {
     open(SectionId::Pratim);
     QSignalSpy spy(page.get(), &EntryPage::pageKey);
