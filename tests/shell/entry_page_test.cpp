@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <algorithm>
 #include <memory>
 #include <ostream>
@@ -315,6 +317,37 @@ TEST_F(EntryPageTest, PageKeysFromAnyField) {
     ASSERT_EQ(spy.count(), 2);
     EXPECT_EQ(spy[0][0].toInt(), int(Qt::Key_PageDown));
     EXPECT_EQ(spy[1][0].toInt(), int(Qt::Key_PageUp));
+}
+
+// With a real message box (no recorder), the box's own focus changes must not
+// run the check again, and the focus ends in the refused field.
+TEST(EntryPageModal, RefusalThroughARealBoxKeepsTheFocus) {
+    NishumInput report;
+    EntryPage page(SectionId::Yegia, &report);
+    page.show();
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    page.focusFirst();
+    int boxes = 0;
+    std::function<void()> closeBox = [&] {
+        if (QWidget* box = QApplication::activeModalWidget()) {
+            ++boxes;
+            box->close();
+        } else {
+            QTimer::singleShot(0, closeBox);
+        }
+    };
+    QTimer::singleShot(0, closeBox);
+    QWidget* n150 = page.fieldWidget(QStringLiteral("N150"));
+    QTest::keyClicks(n150, QStringLiteral("x"));
+    QTest::keyClick(n150, Qt::Key_Return);
+    EXPECT_EQ(boxes, 1);
+    // The field is the page's focus, which it gets back as the window is active again.
+    EXPECT_EQ(page.focusWidget(), n150);
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    EXPECT_EQ(QApplication::focusWidget(), n150);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(n150)->text(), QStringLiteral("x"));
 }
 
 // Each section of a generated report goes to the screen and back unchanged.
