@@ -212,6 +212,7 @@ void EntryPage::addRow(QGridLayout* grid, int r, const EntryBlock& block, const 
     // across the block, its caption first.
     const bool across = (columns == 0 && ownCaptions && showCaption) || (columns > 0 && outsideColumns);
     std::map<int, QHBoxLayout*> boxes;  // by column of the block; -1 the caption's place
+    std::map<int, bool> trailing;       // the last cell of the box ends in a text
     // A captioned cell may use the code column of its column as well, and the
     // first column the caption's place when the row shows none.
     auto boxAt = [&](int j, bool captioned) -> QHBoxLayout* {
@@ -259,7 +260,8 @@ void EntryPage::addRow(QGridLayout* grid, int r, const EntryBlock& block, const 
         const bool first = !boxes.count(j) || (j < 0 && boxes[j]->count() == 1 && showCaption);
         const bool captioned = *cell.caption.screen;
         QHBoxLayout* box = boxAt(j, captioned);
-        if (!first) box->addSpacing(6);
+        // Cells of one box stand apart; further after a text that trails its field.
+        if (!first) box->addSpacing(box->count() > 0 && trailing[j] ? 12 : 6);
         if (s.w.code && j >= 0 && first && (j > 0 || showCaption) && !captioned)
             grid->addWidget(s.w.code, r, 1 + 2 * j);  // codes line up in their own column
         else if (s.w.code)
@@ -268,6 +270,7 @@ void EntryPage::addRow(QGridLayout* grid, int r, const EntryBlock& block, const 
         // Text fields take the room the row leaves, up to their own length.
         box->addWidget(s.w.widget, s.w.widget->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding ? 10 : 0);
         for (QWidget* piece : s.w.after) box->addWidget(piece);
+        trailing[j] = !s.w.after.empty();
     }
     for (auto& entry : boxes) entry.second->addStretch(1);
 }

@@ -428,9 +428,11 @@ TEST_F(EntryPageTest, EveryPageFitsItsArea) {
             auto [w, r] = parts[i];
             const std::string what = w->objectName().toStdString() + " " + w->metaObject()->className();
             EXPECT_TRUE(area.contains(r)) << what;
+            EXPECT_TRUE(w->parentWidget()->rect().contains(w->geometry())) << what;  // nothing cut by its block
             for (std::size_t k = i + 1; k < parts.size(); ++k)
                 EXPECT_FALSE(r.intersects(parts[k].second)) << what << " / " << parts[k].first->objectName().toStdString();
             if (auto* l = qobject_cast<QLabel*>(w)) {
+                EXPECT_GE(l->width(), l->minimumWidth()) << l->text().toStdString();
                 if (l->wordWrap())
                     EXPECT_GE(l->height(), l->heightForWidth(l->width())) << l->text().toStdString();
                 else
