@@ -123,13 +123,13 @@ constexpr Medium kPaper = Medium::Paper;
 
 void pratim(Page& p) {
     p.block({"ב. פרטים אישיים", "ב. פרטים אישיים"}, {}, mf());
-    p.row({}, {p.own(M, "IDM", "ת.ז.: "), p.own(M, "LastNameM", "שם משפחה: "), p.own(F, "IDF", "ת.ז.: "),
+    p.row(Words{}, {p.own(M, "IDM", "ת.ז.: "), p.own(M, "LastNameM", "שם משפחה: "), p.own(F, "IDF", "ת.ז.: "),
                p.own(F, "LastNameF", "משפחה: ")});
-    p.row({}, {p.own(M, "FirstNameM", "שם פרטי: "), p.own(M, "FatherNameM", "שם האב: "),
+    p.row(Words{}, {p.own(M, "FirstNameM", "שם פרטי: "), p.own(M, "FatherNameM", "שם האב: "),
                p.own(F, "FirstNameF", "פרטי: "), p.own(F, "FatherNameF", "שם האב: ")});
-    p.row({}, {p.own(M, "BirthDateM", "תאריך לידה: "), p.own(F, "BirthDateF", "לידה: ")});
-    p.row({}, {p.own(N, "MailAddress", "כתובת לדואר: ")});
-    p.row({}, {p.own(N, "Address", "כתובת מגורים: ")});
+    p.row(Words{}, {p.own(M, "BirthDateM", "תאריך לידה: "), p.own(F, "BirthDateF", "לידה: ")});
+    p.row(Words{}, {p.own(N, "MailAddress", "כתובת לדואר: ")});
+    p.row(Words{}, {p.own(N, "Address", "כתובת מגורים: ")});
     p.row({"טלפונים :", "טלפונים:"}, {{"PhoneH", M, {"בית :", "בית: "}}, p.own(M, "PhoneWM", "עבודה: "),
                                       p.own(F, "PhoneWF", "עבודה: "), p.own(F, "Fax", "פקס: ")});
     p.row({"עיסוק עיקרי :", "עיסוק עיקרי: "}, {p.at(M, "ProfessionM"), p.at(F, "ProfessionF")});
@@ -139,14 +139,14 @@ void pratim(Page& p) {
                                        p.own(F, "TikNikuimF", "ניכויים: "), p.own(F, "TikMaamF", "מע\"מ: ")});
     p.row({"שם המעביד :", "שם המעביד: "}, {p.at(M, "BossNameM"), p.at(F, "BossNameF")});
     // Paper prints the sex and the marital status on one line of words.
-    p.row({}, {p.own(N, "isMale", "זכר "), p.own(N, "isFemale", "נקבה ")});
+    p.row(Words{}, {p.own(N, "isMale", "זכר "), p.own(N, "isFemale", "נקבה ")});
     p.row({"מצב משפחתי :", "מצב משפחתי: "},
           {p.option("isRavak"), p.option("isNasuy"), p.option("isAlman"), p.option("isGarush")});
     p.block({"פרטי הגשה והמסייע", "פרטי הגשה והמסייע"});
-    p.row({}, {p.own(N, "DochDate", "תאריך הגשת הדו\"ח: ")});
-    p.row({}, {p.own(N, "SupportName", "שם המסייע: "), p.own(N, "SupportDealerNum", "מס' עוסק: "),
+    p.row(Words{}, {p.own(N, "DochDate", "תאריך הגשת הדו\"ח: ")});
+    p.row(Words{}, {p.own(N, "SupportName", "שם המסייע: "), p.own(N, "SupportDealerNum", "מס' עוסק: "),
                p.own(N, "SupportPhone", "טלפון: ")});
-    p.row({}, {p.own(N, "SupportProfession", "מקצוע: "), p.own(N, "SupportAddress", "כתובת: ")});
+    p.row(Words{}, {p.own(N, "SupportProfession", "מקצוע: "), p.own(N, "SupportAddress", "כתובת: ")});
 }
 
 void yegia(Page& p) {
@@ -310,34 +310,34 @@ void klaliim(Page& p) {
         return paper ? p.own(N, name, paper) : p.option(name);
     };
     p.block({"א. פרטים כלליים", "א. פרטים כלליים"});
-    p.row({}, {p.own(N, "Shuma", "משרד השומה ")});
+    p.row(Words{}, {p.own(N, "Shuma", "משרד השומה ")});
     p.row({"הדו\"ח על :", "הדו\"ח על :"}, {decl("isMeAndBZ"), decl("isMe")});
-    p.row({}, {decl("isHechzerMas")});
-    p.row({}, {decl("isBZDochNifrad", " בן/בת זוגי מגיש/ה דו\"ח בנפרד"), decl("isBZNoIncome")});
-    p.row({}, {decl("isBZOzer")});
+    p.row(Words{}, {decl("isHechzerMas")});
+    p.row(Words{}, {decl("isBZDochNifrad", " בן/בת זוגי מגיש/ה דו\"ח בנפרד"), decl("isBZNoIncome")});
+    p.row(Words{}, {decl("isBZOzer")});
     p.row({"", "תלות במקור הנסותינו"}, {decl("isTlutYes", " קיימת"), decl("isTlutNo", " לא קיימת")});
-    p.row({}, {decl("isBakashaNifrad")});
-    p.row({}, {decl("isKerenHishtalmut", "מצ\"ב נספח לחישוב הכנסה בגין תשלומי מעביד\nלקרן השתלמות וקופ\"ג")});
-    p.row({}, {decl("isHul")});
-    p.row({}, {decl("isYozerBenemanut",
+    p.row(Words{}, {decl("isBakashaNifrad")});
+    p.row(Words{}, {decl("isKerenHishtalmut", "מצ\"ב נספח לחישוב הכנסה בגין תשלומי מעביד\nלקרן השתלמות וקופ\"ג")});
+    p.row(Words{}, {decl("isHul")});
+    p.row(Words{}, {decl("isYozerBenemanut",
                     "הנני יוצר בנאמנות, בר-שומה ובר-חיוב.\nדו\"ח זה כולל את הכנסותי ואת הכנסות הנאמנות")});
-    p.row({}, {decl("isNeheneBenemanut", "הנני נהנה בנאמנות שההכנסות שחולקו לי בנאמנות\nכלולות בדו\"ח זה")});
-    p.row({}, {decl("isIverOrNeche")});
-    p.row({}, {decl("isShlitaNischar")});
-    p.row({}, {decl("isZchuyotLoNischar")});
-    p.row({}, {decl("isPeulaTichnunHayav")});
-    p.row({}, {decl("isIskaotZdadimHul")});
+    p.row(Words{}, {decl("isNeheneBenemanut", "הנני נהנה בנאמנות שההכנסות שחולקו לי בנאמנות\nכלולות בדו\"ח זה")});
+    p.row(Words{}, {decl("isIverOrNeche")});
+    p.row(Words{}, {decl("isShlitaNischar")});
+    p.row(Words{}, {decl("isZchuyotLoNischar")});
+    p.row(Words{}, {decl("isPeulaTichnunHayav")});
+    p.row(Words{}, {decl("isIskaotZdadimHul")});
     p.text({"לגבי הכנסתי מעסק/משלח יד עיקרי :", "לגבי הכנסתי מעסק/משלח יד עיקרי :"});
-    p.row({}, {decl("isMevusas")});
-    p.row({}, {p.own(N, "Tosefet", "ע\"פ תוספת "), p.own(N, "Saif", ", סעיף ")});
+    p.row(Words{}, {decl("isMevusas")});
+    p.row(Words{}, {p.own(N, "Tosefet", "ע\"פ תוספת "), p.own(N, "Saif", ", סעיף ")});
     p.row({"הנה\"ח :", "הנה\"ח :"}, {decl("isKfula"), decl("isHadZidi")});
     p.row({"קופה רושמת :", "קופה רושמת :"}, {decl("isKupaYes"), decl("isKupaNo")});
     p.row({"תיעוד פנים :", "תיעוד פנים :"}, {decl("isMemuhshav"), decl("isYadani")});
-    p.row({}, {decl("isHaklai", " ניהלתי משק חקלאי / שטח מעובד -\n מצ\"ב דו\"ח משק חקלאי (טופס 1220)")});
-    p.row({}, {decl("isShotfut")});
+    p.row(Words{}, {decl("isHaklai", " ניהלתי משק חקלאי / שטח מעובד -\n מצ\"ב דו\"ח משק חקלאי (טופס 1220)")});
+    p.row(Words{}, {decl("isShotfut")});
     p.text({"דו\"ח תיאום אינפלצוני :", "דו\"ח תיאום אינפלציוני"});
     p.row({"הגשתי לפי", "הגשתי לפי"}, {decl("isPerekBet"), decl("isPerekGimel"), decl("isNoTeum")});
-    p.row({}, {decl("isFamily")});
+    p.row(Words{}, {decl("isFamily")});
 }
 
 const std::array<const EntryPageLayout*, 9>& layouts() {
