@@ -12,7 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/values.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 
 namespace zelmor {
 
