@@ -8,24 +8,15 @@
 #include <memory>
 
 #include "cli/cli_common.h"
-#include "core/values.h"
-#include "storage/batch_progress.h"
+#include "cli/progress.h"
+#include "cli/store_outcome.h"
 #include "storage/report_db.h"
 
 namespace zelmor::cli {
 
-int runImport(const Args& args) {
-    constexpr const char* kUsage = "usage: zelmor-cli import REPORT.json... | - [--db DB] [--data-dir DIR]";
-    Options o;
-    std::string location;
-    try {
-        o = parseOptions(args, {"--db", "--data-dir"});
-        if (o.positional.empty()) throw UsageError("no report document given");
-        location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
-    } catch (const UsageError& e) {
-        std::cerr << "zelmor-cli import: " << e.what() << '\n' << kUsage << '\n';
-        return 2;
-    }
+int runImport(const Options& o) {
+    if (o.positional.empty()) throw UsageError("no report document given");
+    const std::string location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
 
     std::unique_ptr<storage::ReportDb> db;
     try {
@@ -39,13 +30,15 @@ int runImport(const Args& args) {
 
     int status = 0;
     bool broken = false;  // the database failed: nothing more is tried
-    std::size_t stored = 0;
+    std::size_t stored = 0, refused = 0;
     std::vector<NishumInput> batch;
-    storage::BatchProgress progress("zelmor-cli import", "reports stored");
-    auto refuse = [&](const std::string& message, int exitStatus) {
-        std::cerr << "zelmor-cli import: " << message << '\n';
-        std::cout << errorDocument(errorKind(exitStatus), message) << '\n';
-        status = std::max(status, exitStatus);
+    Progress progress("zelmor-cli import", "reports stored");
+    auto refuse = [&](const Refusal& r) {
+        progress.finish();
+        std::cerr << "zelmor-cli import: " << r.message << '\n';
+        std::cout << errorDocument(errorKind(r.status), r.message, r.id) << '\n';
+        status = std::max(status, r.status);
+        ++refused;
     };
     auto flush = [&] {
         if (batch.empty() || broken) return;
@@ -54,21 +47,26 @@ int runImport(const Args& args) {
             stored += batch.size();
             progress.step(stored);
         } else {
-            refuse(out.text, 1);
+            refuse(Refusal{storeFailure(out).message, 1, std::nullopt});
+            refused += batch.size() - 1;
             broken = true;
         }
         batch.clear();
     };
     const std::size_t met = forEachReport(
         o.positional,
-        [&](NishumInput& report) {
-            const std::string id = trimmed(report.NishumID());
+        [&](NishumInput& report, const DocumentPlace& place) {
+            const std::string id = reportId(report);
             if (id.empty()) {
-                refuse("Pratim.IDM: " + std::string("לא ניתן לשמור ללא מספר ת.ז."), 2);
+                refuse(Refusal{place.where + ": Pratim.IDM: " + std::string("לא ניתן לשמור ללא מספר ת.ז."), 2, id});
                 return;
             }
             if (const std::string problem = storage::idProblem(id); !problem.empty()) {
-                refuse("Pratim.IDM: " + problem, 2);
+                refuse(Refusal{place.where + ": Pratim.IDM: " + problem, 2, std::nullopt});
+                return;
+            }
+            if (broken) {
+                ++refused;
                 return;
             }
             batch.push_back(std::move(report));
@@ -77,8 +75,8 @@ int runImport(const Args& args) {
         refuse);
     flush();
     progress.finish();
-    if (met > 1 || stored != 1) std::cerr << "zelmor-cli import: " << stored << " of " << met << " reports stored\n";
-    std::cout.flush();
+    if (met > 1 || stored != 1)
+        std::cerr << "zelmor-cli import: " << met << " reports: " << stored << " stored, " << refused << " refused\n";
     return status;
 }
 

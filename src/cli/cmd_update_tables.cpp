@@ -13,17 +13,9 @@ namespace zelmor::cli {
 
 // The update address is a setting of the program (empty until someone sets it);
 // --url overrides it for one run.
-int runUpdateTables(const Args& args) {
-    Options o;
-    std::string dataDir;
-    try {
-        o = parseOptions(args, {"--url", "--data-dir"});
-        if (!o.positional.empty()) throw UsageError("unexpected argument '" + o.positional.front() + "'");
-        dataDir = resolveDataDir(o);
-    } catch (const UsageError& e) {
-        std::cerr << "zelmor-cli update-tables: " << e.what() << '\n';
-        return 2;
-    }
+int runUpdateTables(const Options& o) {
+    if (!o.positional.empty()) throw UsageError("unexpected argument '" + o.positional.front() + "'");
+    const std::string dataDir = resolveDataDir(o);
     const auto table = openMadadTable(dataDir, "update-tables", false);
     if (!table) return 1;
     const QString address = o.has("--url") ? QString::fromStdString(o.value("--url"))
