@@ -253,18 +253,18 @@ void forEachStdinDocument(const std::function<bool(Document&&)>& onDocument) {
     auto give = [&](Document&& d) {
         if (!stopped && !onDocument(std::move(d))) stopped = true;
     };
+    std::size_t streamed = 0;
     auto streamDocument = [&](std::string&& text, std::size_t firstLine) {
         Document d{"standard input", firstLine, std::move(text), {}, true, false};
+        if (streamed++ == 0) {
+            held = std::move(d);
+            return;
+        }
         if (held) {
             give(std::move(*held));
             held.reset();
-            give(std::move(d));
-        } else if (form == Form::Unknown) {
-            held = std::move(d);
-        } else {
-            give(std::move(d));
         }
-        form = Form::Stream;
+        give(std::move(d));
     };
     std::string line;
     std::size_t lineNo = 0;
@@ -282,8 +282,8 @@ void forEachStdinDocument(const std::function<bool(Document&&)>& onDocument) {
             DocumentSplitter probe;
             bool ended = false;
             probe.line(line, lineNo, [&](std::string&&, std::size_t) { ended = true; });
+            form = ended ? Form::Lines : Form::Stream;
             if (ended) {
-                form = Form::Lines;
                 if (line.back() == '\r') line.pop_back();
                 give(Document{"standard input", lineNo, std::move(line), {}, false, false});
                 line.clear();
