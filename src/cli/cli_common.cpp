@@ -9,10 +9,12 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <malloc.h>
 #include <optional>
 
 #include <QCommandLineParser>
 #include <QStringList>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
 
 #include "core/json_writer.h"
@@ -381,6 +383,9 @@ int processReportsInOrder(const std::vector<std::string>& inputs,
                           const std::function<Outcome(NishumInput&, const DocumentPlace&)>& onReport,
                           const std::function<Outcome(const Refusal&)>& onRefused) {
     constexpr std::size_t kChunk = 2048;
+    // The workers' heaps would give back each chunk's result texts and fault
+    // them in again for the next: keep what a batch has once taken.
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
     struct Slot {
         Document doc;
         Outcome outcome;
@@ -390,8 +395,17 @@ int processReportsInOrder(const std::vector<std::string>& inputs,
     int status = 0;
     bool ended = false;
     auto flush = [&] {
-        // Each worker fills the slots it takes; the outcomes are written in input order.
-        QtConcurrent::blockingMap(chunk, [&](Slot& s) { s.outcome = outcomeOf(s.doc, onReport, onRefused, &s.ends); });
+        // Each worker takes a contiguous share of the slots (one task a share keeps
+        // the hand-over cheap); the outcomes are written in input order.
+        const std::size_t shares = std::max(1, QThreadPool::globalInstance()->maxThreadCount());
+        const std::size_t share = (chunk.size() + shares - 1) / shares;
+        std::vector<std::pair<std::size_t, std::size_t>> ranges;
+        for (std::size_t from = 0; from < chunk.size(); from += share)
+            ranges.emplace_back(from, std::min(chunk.size(), from + share));
+        QtConcurrent::blockingMap(ranges, [&](const std::pair<std::size_t, std::size_t>& r) {
+            for (std::size_t i = r.first; i < r.second; ++i)
+                chunk[i].outcome = outcomeOf(chunk[i].doc, onReport, onRefused, &chunk[i].ends);
+        });
         for (const Slot& s : chunk) {
             if (!s.outcome.message.empty()) std::cerr << s.outcome.message << '\n';
             std::cout << s.outcome.line << '\n';

@@ -108,16 +108,35 @@ JsonWriter& JsonWriter::endObject() {
     return *this;
 }
 
-JsonWriter& JsonWriter::key(std::string_view name) {
+void JsonWriter::beforeKey() {
     if (!first_) s_ += layout_ == Layout::OneLine ? ", " : ",";
     first_ = false;
     if (layout_ == Layout::Indented) {
         s_ += '\n';
         s_.append(static_cast<std::size_t>(2 * depth_), ' ');
     }
+}
+
+void JsonWriter::afterKey() {
+    if (layout_ == Layout::Compact)
+        s_ += ':';
+    else
+        s_.append(": ", 2);
+}
+
+JsonWriter& JsonWriter::key(std::string_view name) {
+    beforeKey();
     s_ += '"';
     s_ += name;
-    s_ += layout_ == Layout::Compact ? "\":" : "\": ";
+    s_ += '"';
+    afterKey();
+    return *this;
+}
+
+JsonWriter& JsonWriter::key(const JsonName& name) {
+    beforeKey();
+    s_ += name.quoted();
+    afterKey();
     return *this;
 }
 

@@ -17,6 +17,17 @@ bool isValidUtf8(std::string_view s);
 // bytes that are not UTF-8 become U+FFFD, so the result is always valid JSON.
 void appendJsonString(std::string& out, std::string_view s);
 
+// A member's name made into JSON text once, for the names that every document
+// of a batch repeats.
+class JsonName {
+public:
+    explicit JsonName(std::string_view name) : quoted_("\"" + std::string(name) + "\"") {}
+    const std::string& quoted() const { return quoted_; }
+
+private:
+    std::string quoted_;
+};
+
 class JsonWriter {
 public:
     enum class Layout {
@@ -32,6 +43,7 @@ public:
     // A member's name. The name is written as it is: it must need no escaping
     // (the catalogue's names, the format's own words).
     JsonWriter& key(std::string_view name);
+    JsonWriter& key(const JsonName& name);
     JsonWriter& integer(std::int64_t v);
     JsonWriter& number(double v);  // the shortest text that reads back the same double
     JsonWriter& boolean(bool v);
@@ -42,6 +54,8 @@ public:
     std::string take() { return std::move(s_); }
 
 private:
+    void beforeKey();
+    void afterKey();
     std::string s_;
     Layout layout_;
     int depth_ = 0;
