@@ -35,6 +35,7 @@ TEST(CalcAll, EveryLineCarriesTheIdOfItsReport) {
     const auto results = lines(all.out);
     ASSERT_EQ(results.size(), static_cast<std::size_t>(kReports));
     EXPECT_NE(all.err.find(std::to_string(kReports) + " reports: "), std::string::npos) << all.err;
+    EXPECT_EQ(all.err.find('\r'), std::string::npos) << "progress shown where standard error is no terminal";
 
     std::vector<std::string> ids{"export"};
     for (const std::string& line : results) ids.push_back(json::parse(line).at("id"));
