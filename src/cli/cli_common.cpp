@@ -15,7 +15,7 @@
 #include <QCommandLineParser>
 #include <QStringList>
 #include <QThreadPool>
-#include <QtConcurrent/QtConcurrentMap>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include "core/json_writer.h"
 #include "core/values.h"
@@ -395,17 +395,18 @@ int processReportsInOrder(const std::vector<std::string>& inputs,
     int status = 0;
     bool ended = false;
     auto flush = [&] {
-        // Each worker takes a contiguous share of the slots (one task a share keeps
-        // the hand-over cheap); the outcomes are written in input order.
+        // Each worker takes a contiguous share of the slots, this thread the
+        // first; the outcomes are written in input order.
         const std::size_t shares = std::max(1, QThreadPool::globalInstance()->maxThreadCount());
         const std::size_t share = (chunk.size() + shares - 1) / shares;
-        std::vector<std::pair<std::size_t, std::size_t>> ranges;
-        for (std::size_t from = 0; from < chunk.size(); from += share)
-            ranges.emplace_back(from, std::min(chunk.size(), from + share));
-        QtConcurrent::blockingMap(ranges, [&](const std::pair<std::size_t, std::size_t>& r) {
-            for (std::size_t i = r.first; i < r.second; ++i)
+        auto work = [&](std::size_t from) {
+            for (std::size_t i = from; i < std::min(chunk.size(), from + share); ++i)
                 chunk[i].outcome = outcomeOf(chunk[i].doc, onReport, onRefused, &chunk[i].ends);
-        });
+        };
+        std::vector<QFuture<void>> others;
+        for (std::size_t from = share; from < chunk.size(); from += share) others.push_back(QtConcurrent::run(work, from));
+        work(0);
+        for (QFuture<void>& f : others) f.waitForFinished();
         for (const Slot& s : chunk) {
             if (!s.outcome.message.empty()) std::cerr << s.outcome.message << '\n';
             std::cout << s.outcome.line << '\n';
