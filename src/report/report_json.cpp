@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -13,8 +12,8 @@
 
 #include "core/json_writer.h"
 #include "core/nearest_name.h"
-#include "core/values.h"
 #include "core/tax_year.h"
+#include "core/values.h"
 
 namespace zelmor {
 
