@@ -128,7 +128,9 @@ int main(int argc, char** argv) {
 
     if (commandName == "--help" || commandName == "-h") {
         generalUsage(stdout);
-        return zelmor::cli::closeStandardOutput() ? 0 : 1;
+        if (zelmor::cli::closeStandardOutput()) return 0;
+        std::fprintf(stderr, "zelmor-cli: cannot write to standard output\n");
+        return 1;
     }
     if (commandName.empty() || commandName[0] == '-') {
         if (!commandName.empty()) std::fprintf(stderr, "zelmor-cli: unknown option %s\n", commandName.c_str());
