@@ -114,8 +114,12 @@ TEST_F(CliCommands, StandardInputTakesIndentedAndConcatenatedDocuments) {
     EXPECT_EQ(alone.status, 0) << alone.err;
     EXPECT_EQ(alone.out, runCli({"check", goldenReport("single.json")}).out);
 
-    const CliRun two = runCli({"check", "-"}, single + widow);
-    ASSERT_EQ(lines(two.out).size(), 2u) << two.out;
+    // Brackets and quotes inside texts do not end a document.
+    const std::string tricky = "{\n  \"format\": \"zelmor-report\", \"version\": 1, \"year\": 2015,\n"
+                               "  \"Pratim\": {\"LastNameM\": \"a}\\\"{b\"}\n}";
+    const CliRun two = runCli({"check", "-"}, tricky + widow);
+    ASSERT_EQ(lines(two.out).size(), 2u) << two.out << two.err;
+    EXPECT_EQ(json::parse(lines(two.out)[0])["Pratim"]["LastNameM"], "a}\"{b");
     EXPECT_EQ(json::parse(lines(two.out)[1])["Pratim"]["IDM"], "022334452");
 
     const std::string broken = "{\n  \"format\": \"zelmor-report\",\n  \"version\": 1,,\n}\n";
