@@ -9,6 +9,8 @@
 #include <fstream>
 #include <string>
 
+#include <unistd.h>
+
 #include "report/report_json.h"
 #include "support/report_generator.h"
 
@@ -18,7 +20,8 @@ namespace fs = std::filesystem;
 
 void BM_CliCalcBatch(benchmark::State& state) {
     const int count = static_cast<int>(state.range(0));
-    const fs::path dir = fs::temp_directory_path() / "zelmor-bench-cli";
+    // A folder of this run's own: benchmarks started side by side must not share their input.
+    const fs::path dir = fs::temp_directory_path() / ("zelmor-bench-cli-" + std::to_string(::getpid()));
     fs::create_directories(dir / "data");
     const fs::path input = dir / "reports.jsonl";
     {
@@ -39,6 +42,7 @@ void BM_CliCalcBatch(benchmark::State& state) {
             state.SkipWithError("zelmor-cli calc failed");
         state.SetIterationTime(std::chrono::duration<double>(end - start).count());
     }
+    fs::remove_all(dir);
     state.counters["reports_per_second"] =
         benchmark::Counter(static_cast<double>(count) * static_cast<double>(state.iterations()),
                            benchmark::Counter::kIsRate);

@@ -6,13 +6,13 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <memory>
 
 #include "cli/commands.h"
 #include "core/date.h"
@@ -24,7 +24,8 @@ class MadadTable;
 
 namespace zelmor::cli {
 
-// A command line the command cannot take; reported on standard error, exit status 2.
+// A command line the command cannot take; reported on standard error with the
+// command's usage, exit status 2.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -37,13 +38,15 @@ struct Options {
     std::string value(std::string_view name, std::string fallback = {}) const;
 };
 
-// Words beginning with "--" are options: "--name value" or "--name=value" for a
+// Words beginning with "-" are options: "--name value" or "--name=value" for a
 // value option, "--name" for a flag. "-" alone is a positional word (standard
 // input), and every word after "--" is positional.
 // Throws UsageError for an unknown option, a value option without its value, a
 // value option given twice or a value given to a flag.
 Options parseOptions(const Args& args, std::initializer_list<const char*> valueOptions,
                      std::initializer_list<const char*> flagOptions = {});
+Options parseOptions(const Args& args, const std::vector<const char*>& valueOptions,
+                     const std::vector<const char*>& flagOptions);
 
 // --today YYYY-MM-DD, else the real local date; UsageError on bad text.
 Date resolveToday(const Options& o);
@@ -52,21 +55,37 @@ Date resolveToday(const Options& o);
 // when missing (std::runtime_error when that fails).
 std::string resolveDataDir(const Options& o);
 
-// {"format": "zelmor-results", "version": 1, "error": {"kind": "...", "message": "..."}} on one line.
-std::string errorDocument(std::string_view kind, std::string_view message);
+// {"format": "zelmor-results", "version": 1, "id": "...", "error": {"kind": "...", "message": "..."}}
+// on one line; "id" only when the report's id is known.
+std::string errorDocument(std::string_view kind, std::string_view message,
+                          const std::optional<std::string>& id = std::nullopt);
 
 // The kind of error document for an exit status: 1 "environment", 2 "input", 3 "overflow".
 const char* errorKind(int exitStatus);
 
-// Every report of the inputs in input order: a file name is one document; "-" is
-// JSON Lines on standard input (one document per line, blank lines skipped). A
-// refused document (exit status 2) or an unreadable file (exit status 1) calls
-// onRefused with its message, which begins with where it was met ("a.json: ...",
-// "standard input, line 3: ..."), and the reading goes on. Returns the number
-// of documents met.
+// Where a report document was met, and how it is answered.
+struct DocumentPlace {
+    std::string where;   // "a.json", "standard input, line 3"
+    bool alone = false;  // the input's only document, from a file or one (indented) document on standard input
+};
+
+// A document that was not read: its message begins with where it was met
+// ("a.json: ...", "standard input, line 3: ..."); exit status 1 for an input
+// that cannot be read, 2 for a refused document.
+struct Refusal {
+    std::string message;
+    int status = 2;
+    std::optional<std::string> id;  // the report's id when the document was read far enough
+};
+
+// Every report of the inputs in input order. A file name is one document; "-"
+// is standard input, which holds either JSON Lines (one document a line, blank
+// lines skipped) or documents written over several lines and one after another;
+// in the second form a syntax error ends the reading, as no line is left to
+// resume at. Returns the number of documents met.
 std::size_t forEachReport(const std::vector<std::string>& inputs,
-                          const std::function<void(NishumInput&)>& onReport,
-                          const std::function<void(const std::string& message, int exitStatus)>& onRefused);
+                          const std::function<void(NishumInput&, const DocumentPlace&)>& onReport,
+                          const std::function<void(const Refusal&)>& onRefused);
 
 // What one report gives: a line for standard output, a message for standard
 // error (or none) and an exit status.
@@ -80,8 +99,9 @@ struct Outcome {
 // all cores; the outcomes are written in input order. onReport and onRefused
 // run on several threads at once and must not share what they change.
 // Returns the highest exit status met.
-int processReportsInOrder(const std::vector<std::string>& inputs, const std::function<Outcome(NishumInput&)>& onReport,
-                          const std::function<Outcome(const std::string& message, int exitStatus)>& onRefused);
+int processReportsInOrder(const std::vector<std::string>& inputs,
+                          const std::function<Outcome(NishumInput&, const DocumentPlace&)>& onReport,
+                          const std::function<Outcome(const Refusal&)>& onRefused);
 
 // The price index table of the data folder. When it cannot be read the
 // command's message goes to standard error (and, with errorDocumentOut, an
@@ -90,7 +110,11 @@ int processReportsInOrder(const std::vector<std::string>& inputs, const std::fun
 std::unique_ptr<MadadTable> openMadadTable(const std::string& dataDir, const char* command,
                                            bool errorDocumentOut = true);
 
-// More than one report may come: the output is JSON Lines.
-bool manyOutputs(const std::vector<std::string>& inputs);
+// The report's id as result documents name it: Pratim.IDM, trimmed.
+std::string reportId(const NishumInput& report);
+
+// Flushes and closes standard output. False when anything written to it was
+// lost (a full disk, a closed pipe).
+bool closeStandardOutput();
 
 }  // namespace zelmor::cli

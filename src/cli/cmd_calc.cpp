@@ -1,6 +1,5 @@
 // zelmor-cli calc: the result document of each report.
 
-#include <cstdio>
 #include <iostream>
 
 #include "cli/cli_common.h"
@@ -34,41 +33,32 @@ std::string summaryText(const CalcResult& r) {
 
 }  // namespace
 
-int runCalc(const Args& args) {
-    Options o;
-    Date today;
-    std::string dataDir;
-    try {
-        o = parseOptions(args, {"--today", "--data-dir"}, {"--summary"});
-        if (o.positional.empty()) throw UsageError("no report given (a file name, or - for JSON Lines on standard input)");
-        today = resolveToday(o);
-        dataDir = resolveDataDir(o);
-    } catch (const UsageError& e) {
-        std::fprintf(stderr, "zelmor-cli calc: %s\n", e.what());
-        return 2;
-    }
+int runCalc(const Options& o) {
+    if (o.positional.empty()) throw UsageError("no report given (a file name, or - for JSON Lines on standard input)");
+    const Date today = resolveToday(o);
+    const std::string dataDir = resolveDataDir(o);
     const auto table = openMadadTable(dataDir, "calc");
     if (!table) return 1;
     const MadadTable& madad = *table;
     const ConstDoch constants;
-    const bool pretty = !manyOutputs(o.positional);
     const bool summary = o.has("--summary");
     return processReportsInOrder(
         o.positional,
-        [&](NishumInput& report) {
+        [&](NishumInput& report, const DocumentPlace& place) {
+            const std::string id = reportId(report);
             try {
                 const CalcResult result = CalcDoch(report, constants, madad, today);
-                return Outcome{summary ? summaryText(result) : resultDocument(result, pretty), {}, 0};
+                return Outcome{summary ? summaryText(result) : resultDocument(result, id, place.alone), {}, 0};
             } catch (const OverflowError& e) {
-                return Outcome{errorDocument("overflow", e.what()),
-                               "zelmor-cli calc: report " +
-                                   (report.NishumID().empty() ? std::string("with no id") : report.NishumID()) +
+                return Outcome{errorDocument("overflow", e.what(), id),
+                               "zelmor-cli calc: report " + (id.empty() ? std::string("with no id") : id) +
                                    ": the calculation stopped: " + e.what(),
                                3};
             }
         },
-        [&](const std::string& message, int exitStatus) {
-            return Outcome{errorDocument(errorKind(exitStatus), message), "zelmor-cli calc: " + message, exitStatus};
+        [&](const Refusal& r) {
+            return Outcome{errorDocument(errorKind(r.status), r.message, r.id), "zelmor-cli calc: " + r.message,
+                           r.status};
         });
 }
 

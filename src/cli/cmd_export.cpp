@@ -12,18 +12,9 @@
 
 namespace zelmor::cli {
 
-int runExport(const Args& args) {
-    constexpr const char* kUsage = "usage: zelmor-cli export ID... [--db DB] [--data-dir DIR]";
-    Options o;
-    std::string location;
-    try {
-        o = parseOptions(args, {"--db", "--data-dir"});
-        if (o.positional.empty()) throw UsageError("no id given");
-        location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
-    } catch (const UsageError& e) {
-        std::cerr << "zelmor-cli export: " << e.what() << '\n' << kUsage << '\n';
-        return 2;
-    }
+int runExport(const Options& o) {
+    if (o.positional.empty()) throw UsageError("no id given");
+    const std::string location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
 
     const bool many = o.positional.size() > 1;
     int status = 0;
@@ -50,11 +41,6 @@ int runExport(const Args& args) {
         }
     } catch (const std::exception& e) {
         fail(e.what(), 1);
-    }
-    std::cout.flush();
-    if (!std::cout) {
-        std::cerr << "zelmor-cli export: cannot write to standard output\n";
-        return std::max(status, 1);
     }
     return status;
 }

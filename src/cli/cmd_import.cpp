@@ -8,25 +8,15 @@
 #include <memory>
 
 #include "cli/cli_common.h"
+#include "cli/progress.h"
 #include "cli/store_words.h"
-#include "core/values.h"
-#include "storage/batch_progress.h"
 #include "storage/report_db.h"
 
 namespace zelmor::cli {
 
-int runImport(const Args& args) {
-    constexpr const char* kUsage = "usage: zelmor-cli import REPORT.json... | - [--db DB] [--data-dir DIR]";
-    Options o;
-    std::string location;
-    try {
-        o = parseOptions(args, {"--db", "--data-dir"});
-        if (o.positional.empty()) throw UsageError("no report document given");
-        location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
-    } catch (const UsageError& e) {
-        std::cerr << "zelmor-cli import: " << e.what() << '\n' << kUsage << '\n';
-        return 2;
-    }
+int runImport(const Options& o) {
+    if (o.positional.empty()) throw UsageError("no report document given");
+    const std::string location = o.has("--db") ? o.value("--db") : storage::defaultDbPath(resolveDataDir(o));
 
     std::unique_ptr<storage::ReportDb> db;
     try {
@@ -41,13 +31,15 @@ int runImport(const Args& args) {
 
     int status = 0;
     bool broken = false;  // the database failed: nothing more is tried
-    std::size_t stored = 0;
+    std::size_t stored = 0, refused = 0;
     std::vector<NishumInput> batch;
-    storage::BatchProgress progress("zelmor-cli import", "reports stored");
-    auto refuse = [&](const std::string& message, int exitStatus) {
-        std::cerr << "zelmor-cli import: " << message << '\n';
-        std::cout << errorDocument(errorKind(exitStatus), message) << '\n';
-        status = std::max(status, exitStatus);
+    Progress progress("zelmor-cli import", "reports stored");
+    auto refuse = [&](const Refusal& r) {
+        progress.finish();
+        std::cerr << "zelmor-cli import: " << r.message << '\n';
+        std::cout << errorDocument(errorKind(r.status), r.message, r.id) << '\n';
+        status = std::max(status, r.status);
+        ++refused;
     };
     auto flush = [&] {
         if (batch.empty() || broken) return;
@@ -56,16 +48,23 @@ int runImport(const Args& args) {
             stored += batch.size();
             progress.step(stored);
         } else {
-            refuse(storeFailureText(out), storeExitStatus(out.error));
+            refuse(Refusal{storeFailureText(out), storeExitStatus(out.error), std::nullopt});
+            refused += batch.size() - 1;
             broken = true;
         }
         batch.clear();
     };
     const std::size_t met = forEachReport(
         o.positional,
-        [&](NishumInput& report) {
-            if (const std::string why = importIdRefusal(trimmed(report.NishumID())); !why.empty()) {
-                refuse(why, 2);
+        [&](NishumInput& report, const DocumentPlace& place) {
+            const std::string id = reportId(report);
+            if (const std::string why = importIdRefusal(id); !why.empty()) {
+                // An id that was refused for its characters is not repeated in the error document.
+                refuse(Refusal{place.where + ": " + why, 2, id.empty() ? std::optional<std::string>(id) : std::nullopt});
+                return;
+            }
+            if (broken) {
+                ++refused;
                 return;
             }
             batch.push_back(std::move(report));
@@ -74,8 +73,8 @@ int runImport(const Args& args) {
         refuse);
     flush();
     progress.finish();
-    if (met > 1 || stored != 1) std::cerr << "zelmor-cli import: " << stored << " of " << met << " reports stored\n";
-    std::cout.flush();
+    if (met > 1 || stored != 1)
+        std::cerr << "zelmor-cli import: " << met << " reports: " << stored << " stored, " << refused << " refused\n";
     return status;
 }
 

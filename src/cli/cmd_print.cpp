@@ -17,28 +17,19 @@
 
 namespace zelmor::cli {
 
-int runPrint(const Args& args) {
-    Options o;
-    Date today;
-    std::string dataDir;
-    try {
-        o = parseOptions(args, {"--pdf", "--today", "--data-dir"}, {"--report", "--results", "--bl"});
-        if (o.positional.size() != 1) throw UsageError("give exactly one report document to print");
-        if (o.value("--pdf").empty()) throw UsageError("no output file given (--pdf OUT.pdf)");
-        today = resolveToday(o);
-        dataDir = resolveDataDir(o);
-    } catch (const UsageError& e) {
-        std::fprintf(stderr, "zelmor-cli print: %s\n", e.what());
-        return 2;
-    }
+int runPrint(const Options& o) {
+    if (o.positional.size() != 1) throw UsageError("give exactly one report document to print");
+    if (o.value("--pdf").empty()) throw UsageError("no output file given (--pdf OUT.pdf)");
+    const Date today = resolveToday(o);
+    const std::string dataDir = resolveDataDir(o);
 
     std::optional<NishumInput> report;
     int status = 0;
     forEachReport(
-        o.positional, [&](NishumInput& r) { if (!report) report = r; },
-        [&](const std::string& message, int exitStatus) {
-            std::fprintf(stderr, "zelmor-cli print: %s\n", message.c_str());
-            status = exitStatus;
+        o.positional, [&](NishumInput& r, const DocumentPlace&) { if (!report) report = r; },
+        [&](const Refusal& r) {
+            std::fprintf(stderr, "zelmor-cli print: %s\n", r.message.c_str());
+            status = r.status;
         });
     if (status != 0) return status;
     if (!report) {

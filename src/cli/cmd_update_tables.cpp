@@ -14,22 +14,15 @@ namespace zelmor::cli {
 
 // The update address is a setting of the program (empty until someone sets it);
 // --url overrides it for one run.
-int runUpdateTables(const Args& args) {
-    Options o;
-    std::string dataDir;
-    try {
-        o = parseOptions(args, {"--url", "--data-dir"});
-        if (!o.positional.empty()) throw UsageError("unexpected argument '" + o.positional.front() + "'");
-        dataDir = resolveDataDir(o);
-    } catch (const UsageError& e) {
-        std::cerr << "zelmor-cli update-tables: " << e.what() << '\n';
-        return 2;
-    }
+int runUpdateTables(const Options& o) {
+    if (!o.positional.empty()) throw UsageError("unexpected argument '" + o.positional.front() + "'");
+    const std::string dataDir = resolveDataDir(o);
     // A table that cannot be used is what an update is for: it is replaced all the same.
     const auto table = std::make_unique<MadadTable>(QString::fromStdString(dataDir));
     if (!table->ok())
         std::cerr << "zelmor-cli update-tables: the price index table in use cannot be read: "
-                  << table->errorString().toStdString() << '\n';
+                  << table->errorString().toStdString() << '
+';
     const QString address = o.has("--url") ? QString::fromStdString(o.value("--url"))
                                            : QSettings().value(QStringLiteral("tables/updateAddress")).toString();
     QString message;

@@ -1,5 +1,5 @@
 #pragma once
-// The result document of a calculation (one line of JSON).
+// The result document of a calculation.
 
 #include <string>
 
@@ -7,9 +7,9 @@
 
 namespace zelmor::cli {
 
-// {"format": "zelmor-results", "version": 1, "year": 2015, "FilingMode": .., "ModeTitle": ..,
+// {"format": "zelmor-results", "version": 1, "year": 2015, "id": .., "FilingMode": .., "ModeTitle": ..,
 //  "comparison": {..} or null, "CMain": {..}, ..., "CBL": {..}} with every field of every sheet.
-// One line, or indented for a person to read (one field a line).
-std::string resultDocument(const CalcResult& result, bool pretty = false);
+// One line, or indented for a person to read (one field a line). id: the report's id.
+std::string resultDocument(const CalcResult& result, const std::string& id, bool pretty = false);
 
 }  // namespace zelmor::cli

@@ -7,7 +7,7 @@
 #include "core/amount.h"
 #include "core/date.h"
 #include "core/madad_lookup.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"
 

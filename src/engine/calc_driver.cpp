@@ -56,10 +56,10 @@ CalcResult Calculation::run() {
     CalcDoch();
     CalcResult result;
     result.out = std::move(out);
-    result.FilingMode = st.FilingMode;
+    result.FilingMode = filing.FilingMode;
     result.compared = compared;
-    result.MasMeuchad = st.MasMeuchad;
-    result.MasNifrad = st.MasNifrad;
+    result.MasMeuchad = filing.MasMeuchad;
+    result.MasNifrad = filing.MasNifrad;
     return result;
 }
 
@@ -76,33 +76,33 @@ void Calculation::CalcDoch() {
                      Pturot.N256Revach25;
     const Amount TTLM = y.TTLM, TTLF = y.TTLF;
 
-    st.RegilRechushTestM = y.N201 + y.N202 + y.N204 + y.N205;
-    if (TTLM >= TTLF) st.RegilRechushTestM += S;
-    st.RegilTestM = st.RegilRechushTestM + TTLM;
-    st.MeyuchadTestM = r.N214 + r.N211 + r.N228 + r.N257 + r.N241 + r.N212 + r.N213 + r.N217 + r.N226 + r.N242 +
+    filing.RegilRechushTestM = y.N201 + y.N202 + y.N204 + y.N205;
+    if (TTLM >= TTLF) filing.RegilRechushTestM += S;
+    filing.RegilTestM = filing.RegilRechushTestM + TTLM;
+    filing.MeyuchadTestM = r.N214 + r.N211 + r.N228 + r.N257 + r.N241 + r.N212 + r.N213 + r.N217 + r.N226 + r.N242 +
                        r.N222 + r.N225 + r.N227 + r.AcheretM;
-    if (TTLM >= TTLF) st.MeyuchadTestM += J;
-    st.HachnasaTestM = st.MeyuchadTestM + st.RegilTestM;
+    if (TTLM >= TTLF) filing.MeyuchadTestM += J;
+    filing.HachnasaTestM = filing.MeyuchadTestM + filing.RegilTestM;
 
-    st.RegilRechushTestF = y.N301 + y.N302 + y.N304 + y.N305;
-    if (TTLF > TTLM) st.RegilRechushTestF += S;
-    st.RegilTestF = st.RegilRechushTestF + TTLF;
-    st.MeyuchadTestF = r.N314 + r.N311 + r.N328 + r.N357 + r.N341 + r.N312 + r.N313 + r.N317 + r.N326 + r.N342 +
+    filing.RegilRechushTestF = y.N301 + y.N302 + y.N304 + y.N305;
+    if (TTLF > TTLM) filing.RegilRechushTestF += S;
+    filing.RegilTestF = filing.RegilRechushTestF + TTLF;
+    filing.MeyuchadTestF = r.N314 + r.N311 + r.N328 + r.N357 + r.N341 + r.N312 + r.N313 + r.N317 + r.N326 + r.N342 +
                        r.AcheretF;
-    if (TTLF > TTLM) st.MeyuchadTestF += J;
-    st.HachnasaTestF = st.MeyuchadTestF + st.RegilTestF;
+    if (TTLF > TTLM) filing.MeyuchadTestF += J;
+    filing.HachnasaTestF = filing.MeyuchadTestF + filing.RegilTestF;
 
-    st.isIshaNesua = (st.HachnasaTestF > 0 || Pratim.isNasuy) && Pratim.isFemale;
+    filing.isIshaNesua = (filing.HachnasaTestF > 0 || Pratim.isNasuy) && Pratim.isFemale;
 
-    if (Pratim.isAlman || Pratim.isRavak || Pratim.isGarush || st.HachnasaTestF == 0) {
-        st.FilingMode = ModeSingle;
+    if (Pratim.isAlman || Pratim.isRavak || Pratim.isGarush || filing.HachnasaTestF == 0) {
+        filing.FilingMode = ModeSingle;
         CalcOneMode();
         return;
     }
-    st.SafBenZug = R(c.NEKUDA() * 8.75);
-    if (Nekudot.N260 > 0) st.SafBenZug = c.NEKUDA() * 10;
-    if (st.HachnasaTestF <= st.SafBenZug) {
-        st.FilingMode = ModeAlone;
+    filing.SafBenZug = c.SAF_BEN_ZUG();
+    if (Nekudot.N260 > 0) filing.SafBenZug = c.SAF_BEN_ZUG_YELADIM();
+    if (filing.HachnasaTestF <= filing.SafBenZug) {
+        filing.FilingMode = ModeAlone;
         CalcOneMode();
         return;
     }
@@ -114,77 +114,58 @@ void Calculation::CalcDoch() {
 
 // Incomes without a dependence in their source: separate, or joint when cheaper.
 void Calculation::CalcNoTlut() {
-    if (st.RegilTestF > c.TESTMEUCHAD() && st.RegilTestM > c.TESTMEUCHAD()) {
-        st.FilingMode = ModeSeparate;
+    if (filing.RegilTestF > c.TESTMEUCHAD() && filing.RegilTestM > c.TESTMEUCHAD()) {
+        filing.FilingMode = ModeSeparate;
         CalcOneMode();
         return;
     }
     compared = true;
-    st.FilingMode = ModeJoint;
+    filing.FilingMode = ModeJoint;
     CalcOneMode();
-    st.MasMeuchad = taxDue();
-    st.FilingMode = ModeSeparate;
+    filing.MasMeuchad = taxDue();
+    filing.FilingMode = ModeSeparate;
     CalcOneMode();
-    st.MasNifrad = taxDue();
-    if (st.MasMeuchad < st.MasNifrad) {  // a tie leaves the separate run
-        st.FilingMode = ModeJoint;
+    filing.MasNifrad = taxDue();
+    if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves the separate run
+        filing.FilingMode = ModeJoint;
         CalcOneMode();
     }
 }
 
 // Incomes with a dependence in their source: separate on property, or joint when cheaper.
 void Calculation::CalcTlut() {
-    st.RegilPlusYegiaFTestM = st.RegilTestM + Yegia.TTLF;
-    if (st.RegilRechushTestF > c.TESTMEUCHAD() && st.RegilPlusYegiaFTestM > c.TESTMEUCHAD()) {
-        st.FilingMode = ModeSeparateProperty;
+    filing.RegilPlusYegiaFTestM = filing.RegilTestM + Yegia.TTLF;
+    if (filing.RegilRechushTestF > c.TESTMEUCHAD() && filing.RegilPlusYegiaFTestM > c.TESTMEUCHAD()) {
+        filing.FilingMode = ModeSeparateProperty;
         CalcOneMode();
         return;
     }
-    st.FilingMode = ModeJoint;
+    filing.FilingMode = ModeJoint;
     CalcOneMode();
-    st.MasMeuchad = taxDue();
-    if (st.RegilRechushTestF <= 0) return;
+    filing.MasMeuchad = taxDue();
+    if (filing.RegilRechushTestF <= 0) return;
     compared = true;
-    st.FilingMode = ModeSeparateProperty;
+    filing.FilingMode = ModeSeparateProperty;
     CalcOneMode();
-    st.MasNifrad = taxDue();
-    if (st.MasMeuchad < st.MasNifrad) {  // a tie leaves mode 3
-        st.FilingMode = ModeJoint;
+    filing.MasNifrad = taxDue();
+    if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves mode 3
+        filing.FilingMode = ModeJoint;
         CalcOneMode();
     }
 }
 
-// Every figure of a run starts at 0; only what decides the mode and what
-// compares two runs outlives it.
-void Calculation::ClearCalcState() {
-    CalcState kept;
-    kept.FilingMode = st.FilingMode;
-    kept.JointStage = st.JointStage;
-    kept.RegilRechushTestM = st.RegilRechushTestM;
-    kept.RegilRechushTestF = st.RegilRechushTestF;
-    kept.RegilTestM = st.RegilTestM;
-    kept.RegilTestF = st.RegilTestF;
-    kept.MeyuchadTestM = st.MeyuchadTestM;
-    kept.MeyuchadTestF = st.MeyuchadTestF;
-    kept.HachnasaTestM = st.HachnasaTestM;
-    kept.HachnasaTestF = st.HachnasaTestF;
-    kept.RegilPlusYegiaFTestM = st.RegilPlusYegiaFTestM;
-    kept.SafBenZug = st.SafBenZug;
-    kept.MasMeuchad = st.MasMeuchad;
-    kept.MasNifrad = st.MasNifrad;
-    kept.isIshaNesua = st.isIshaNesua;
-    st = kept;
-}
+// Every figure of a run starts at 0; only the filing state outlives it.
+void Calculation::ClearCalcState() { st = CalcState{}; }
 
 void Calculation::CalcOneMode() {
-    const int mode = st.FilingMode;
+    const int mode = filing.FilingMode;
     ClearCalcState();
     out.ClearCalc();
-    st.JointStage = mode == ModeJoint ? 1 : 0;
+    filing.JointStage = mode == ModeJoint ? 1 : 0;
     Person& M = pM;
     for (;;) {
         if (mode == ModeSeparateProperty) MergeYegia();
-        if (mode == ModeJoint && st.JointStage == 2) {
+        if (mode == ModeJoint && filing.JointStage == 2) {
             MergeYegia();
             MergeRechush();
         }
@@ -193,11 +174,11 @@ void Calculation::CalcOneMode() {
         if (!st.isYegiaFGreater) GatherShared(M);
         TotalIncome(M);
         FirstDeductions(M);
-        if (st.JointStage == 2) break;
+        if (filing.JointStage == 2) break;
         WorkDisability(M);
         Pension(M);
         KizvaLimitNikuy(M);
-        if (st.JointStage != 1) break;
+        if (filing.JointStage != 1) break;
         // First pass of the joint mode: F up to the same point, then all of
         // F's lines move to M for the second pass.
         CalcPersonF();
@@ -207,9 +188,9 @@ void Calculation::CalcOneMode() {
         f.LineN214 = f.LineN217 = f.LineN226 = f.LineN242 = f.LineN211 = f.LineN228 = f.LineN257 = f.LineN241 = 0;
         f.LineN212 = f.LineN213 = f.LineAcheret = f.LineInfla = 0;
         f.NikuyBL = f.NikuyMechkar = f.NikuyNeft = f.NikuySratim = 0;
-        st.JointStage = 2;
+        filing.JointStage = 2;
     }
-    if (st.JointStage == 2) JoinPersons();
+    if (filing.JointStage == 2) JoinPersons();
     TotalDeductions(M);
     ShiftToRegular(M);
     Offset(M);
@@ -233,7 +214,7 @@ void Calculation::CalcPersonF() {
     WorkDisability(F);
     Pension(F);
     KizvaLimitNikuy(F);
-    if (st.JointStage == 1) return;
+    if (filing.JointStage == 1) return;
     TotalDeductions(F);
     ShiftToRegular(F);
     Offset(F);

@@ -30,14 +30,19 @@ struct PersonState {
     Amount TikraKizva, TikraBituach, OdefMishmarot;
 };
 
-// The figures of one calculation.
-struct CalcState {
+// What decides the filing mode and compares two runs: set before the runs and
+// kept through all of them.
+struct FilingState {
     int FilingMode = 0;
     int JointStage = 0;
     Amount RegilRechushTestM, RegilRechushTestF, RegilTestM, RegilTestF, MeyuchadTestM, MeyuchadTestF,
         HachnasaTestM, HachnasaTestF, RegilPlusYegiaFTestM, SafBenZug;
     Amount MasMeuchad, MasNifrad;
     bool isIshaNesua = false;
+};
+
+// The working figures of one run: every run starts from a new one.
+struct CalcState {
     bool isYegiaFGreater = false;
     Amount SavedKizvaM;
     PersonState M, F;
@@ -168,6 +173,7 @@ private:
     const sections::Tashlumim& Tashlumim;
     const sections::Klaliim& Klaliim;
 
+    FilingState filing;
     CalcState st;
     NishumOutput out;
     Person pM, pF;

@@ -11,25 +11,25 @@ Amount floor0(Amount v) { return MaxLong(v, 0); }
 // 4-5 two, 6-17 one, 18 half a point.
 double Calculation::MothersWeights() const {
     const auto& n = Nekudot;
-    return 0.5 * n.N260_1 + mulCount(n.N260_2, 2) + mulCount(n.N260_3, 2) + mulCount(n.N260_4, 2) +
-           1.0 * n.N260_5 + 0.5 * n.N260_6;
+    return c.YELED_EM_0() * n.N260_1 + mulCount(n.N260_2, c.YELED_EM_1_2()) + mulCount(n.N260_3, c.YELED_EM_3()) +
+           mulCount(n.N260_4, c.YELED_EM_4_5()) + c.YELED_EM_6_17() * n.N260_5 + c.YELED_EM_18() * n.N260_6;
 }
 
 // ...and for the father: newborn one, 1-2 two, 3 one (a 16-bit sum).
 double Calculation::FathersWeights() const {
     const auto& n = Nekudot;
-    return addCount(addCount(n.N260_1, mulCount(n.N260_2, 2)), n.N260_3);
+    return addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);
 }
 
 // A new immigrant: 42 months from the month of immigration, the first 18 at a
 // quarter point a month, the next 12 at a sixth, the last 12 at a twelfth;
 // the months that fall in the tax year count.
 double Calculation::OlePoints(Date date) const {
-    double total = 0, rate = 1.0 / 4;
-    for (int i = 0; i <= 41; ++i) {
+    const int second = c.OLE_MONTHS1(), third = second + c.OLE_MONTHS2(), end = third + c.OLE_MONTHS3();
+    double total = 0;
+    for (int i = 0; i < end; ++i) {
+        const double rate = i < second ? c.OLE_RATE1() : i < third ? c.OLE_RATE2() : c.OLE_RATE3();
         if (date.addMonths(i).year() == c.YEARDOCH()) total += rate;
-        if (i == 17) rate = 1.0 / 6;
-        if (i == 29) rate = 1.0 / 12;
     }
     return total;
 }
@@ -48,7 +48,7 @@ double Calculation::ChayalPoints(Date date, std::int16_t months) const {
     else if (n >= 25 && n <= 36)
         p = (36 - n) / 12.0;
     if (months == 0) p = 0;
-    if (months >= 24) p *= 2;
+    if (months >= c.CHAYAL_SHERUT_KAFUL()) p *= 2;
     return p;
 }
 
@@ -57,15 +57,15 @@ void Calculation::CalcCreditsM() {
     const auto& k = Nekudot;
     const auto& pr = Pratim;
     const double NEKUDA = c.NEKUDA().value();
-    const int mode = st.FilingMode;
+    const int mode = filing.FilingMode;
 
     // Line 54: resident; a woman has half a point more, resident or not.
     if (k.N020) {
-        z.NEKUDA_020M = 2.25;
-        z.ZIKUY_020M = NEKUDA * 2.25;
+        z.NEKUDA_020M = c.NEKUDOT_TOSHAV();
+        z.ZIKUY_020M = NEKUDA * c.NEKUDOT_TOSHAV();
     }
     if (pr.isFemale) {
-        z.NEKUDA_020M += 0.5;
+        z.NEKUDA_020M += c.NEKUDOT_ISHA();
         z.ZIKUY_020M = NEKUDA * z.NEKUDA_020M;
     }
 
@@ -75,24 +75,25 @@ void Calculation::CalcCreditsM() {
         const Date woman = pr.isFemale ? pr.BirthDateM : pr.BirthDateF;
         const bool retired = (!man.isNull() && man < c.GIL_PRISHA_GEVER()) ||
                              (!woman.isNull() && woman < c.GIL_PRISHA_ISHA());
-        if (retired && k.N020 && (st.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
+        if (retired && k.N020 && (filing.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
             z.NEKUDA_021M = 1;
             z.ZIKUY_021M = NEKUDA;
         }
         if (k.N020 && Yegia.TTLF > 0) {
-            z.NEKUDA_021AM = k.N260 >= 1 ? 2 : 1.75;
+            z.NEKUDA_021AM = k.N260 >= 1 ? c.NEKUDOT_021A_YELADIM() : c.NEKUDOT_021A();
             z.ZIKUY_021AM = NEKUDA * z.NEKUDA_021AM;
         }
         if (mode == ModeAlone) z.NEKUDA_021AM = z.ZIKUY_021AM = 0;
         if (Yegia.TTLF < 1 && k.N020 && (k.N025 || Klaliim.isBZOzer)) {
-            z.NEKUDA_025M = k.N260 >= 1 ? 1.75 : 1.5;
+            z.NEKUDA_025M = k.N260 >= 1 ? c.NEKUDOT_025_YELADIM() : c.NEKUDOT_025();
             z.ZIKUY_025M = NEKUDA * z.NEKUDA_025M;
         }
     }
 
     // Youth: either person aged 16 or 17 in the tax year.
     const int ageM = ageInYear(pr.BirthDateM), ageF = ageInYear(pr.BirthDateF);
-    if (ageM == 16 || ageM == 17 || ageF == 16 || ageF == 17) {
+    const auto youth = [&](int age) { return age >= c.GIL_NOAR_MIN() && age <= c.GIL_NOAR_MAX(); };
+    if (youth(ageM) || youth(ageF)) {
         z.NEKUDA_020AM = 1;
         z.ZIKUY_020AM = NEKUDA;
     }
@@ -107,7 +108,7 @@ void Calculation::CalcCreditsM() {
     z.NEKUDA_260M = z.NEKUDA_260F = 0;
     if ((mode != ModeJoint && pr.isFemale) || (!pr.isNasuy && k.N026) || pr.isRavak || pr.isGarush || pr.isAlman) {
         z.NEKUDA_260M = MothersWeights();
-        if (st.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) z.NEKUDA_260F = FathersWeights();
+        if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) z.NEKUDA_260F = FathersWeights();
     }
     z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
     z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
@@ -125,8 +126,8 @@ void Calculation::CalcCreditsM() {
 
     // Line 61: supported persons without physical ability, two points each;
     // when the couple is computed together F's count joins M's at one point each.
-    z.NEKUDA_023 = k.N020 ? mulCount(k.N023, 2) : 0;
-    z.NEKUDA_131 = k.N020 ? mulCount(k.N131, 2) : 0;
+    z.NEKUDA_023 = k.N020 ? mulCount(k.N023, c.NEKUDOT_NECHE()) : 0;
+    z.NEKUDA_131 = k.N020 ? mulCount(k.N131, c.NEKUDOT_NECHE()) : 0;
     if (mode == ModeAlone || mode == ModeSingle || mode == ModeJoint) {
         z.NEKUDA_023 += k.N131;
         z.NEKUDA_131 = 0;
@@ -139,7 +140,7 @@ void Calculation::CalcCreditsM() {
     z.ZIKUY_OleM = NEKUDA * z.NEKUDA_OleM;
     z.NEKUDA_224 = ChayalPoints(k.N224, k.N024);
     z.ZIKUY_224 = NEKUDA * z.NEKUDA_224;
-    z.NEKUDA_181 = k.N181 >= 1 && k.N181 <= 4 ? 0.5 : k.N181 == 5 ? 1 : 0;
+    z.NEKUDA_181 = k.N181 >= 1 && k.N181 <= 4 ? c.NEKUDOT_TOAR() : k.N181 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
     z.ZIKUY_181 = NEKUDA * z.NEKUDA_181;
 
     CreditsForPayments(pM);
@@ -150,11 +151,11 @@ void Calculation::CalcCreditsF() {
     const auto& k = Nekudot;
     const double NEKUDA = c.NEKUDA().value();
     if (k.N020) {
-        z.NEKUDA_020F = 2.25;
-        z.ZIKUY_020F = NEKUDA * 2.25;
+        z.NEKUDA_020F = c.NEKUDOT_TOSHAV();
+        z.ZIKUY_020F = NEKUDA * c.NEKUDOT_TOSHAV();
     }
     if (!Pratim.isFemale) {  // the spouse is the woman
-        z.NEKUDA_020F += 0.5;
+        z.NEKUDA_020F += c.NEKUDOT_ISHA();
         z.ZIKUY_020F = NEKUDA * z.NEKUDA_020F;
         z.NEKUDA_260F = MothersWeights();
         z.NEKUDA_260M = FathersWeights();
@@ -167,7 +168,7 @@ void Calculation::CalcCreditsF() {
     z.ZIKUY_OleF = NEKUDA * z.NEKUDA_OleF;
     z.NEKUDA_324 = ChayalPoints(k.N324, k.N124);
     z.ZIKUY_324 = NEKUDA * z.NEKUDA_324;
-    z.NEKUDA_182 = k.N182 >= 1 && k.N182 <= 4 ? 0.5 : k.N182 == 5 ? 1 : 0;
+    z.NEKUDA_182 = k.N182 >= 1 && k.N182 <= 4 ? c.NEKUDOT_TOAR() : k.N182 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
     z.ZIKUY_182 = NEKUDA * z.NEKUDA_182;
 
     CreditsForPayments(pF);
@@ -189,22 +190,23 @@ void Calculation::CreditsForPayments(Person& p) {
 
     // Pension: survivors' insurance up to 1.5% of income, and what of the
     // self-employed pension was not taken as a deduction.
-    s.TikraKizva = MaxLong(R(s.ChelekSachir * 0.07 + s.ChelekAtzmai * 0.05), c.HISAHONMIZARI());
-    const Amount deducted = (!p.isF && st.JointStage == 2) ? st.SavedKizvaM : s.NikuyKizva;
-    Amount A = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * 0.015)) + p.N045 + p.N268 + p.N135 - deducted;
+    s.TikraKizva = MaxLong(R(s.ChelekSachir * c.ZIKUY_KIZVA_SACHIR() + s.ChelekAtzmai * c.ZIKUY_KIZVA_ATZMAI()), c.HISAHONMIZARI());
+    const Amount deducted = (!p.isF && filing.JointStage == 2) ? st.SavedKizvaM : s.NikuyKizva;
+    Amount A = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 - deducted;
     HUTAR_045 = MinLong(floor0(A), s.TikraKizva);
 
     // Life insurance, within what the pension left under its ceiling.
-    s.TikraBituach = MaxLong(R(s.ChelekAtzmai * 0.05 + s.ChelekSachir * 0.05), c.HISAHONMIZARI());
+    s.TikraBituach = MaxLong(R(s.ChelekAtzmai * c.ZIKUY_BITUACH_TIKRA() + s.ChelekSachir * c.ZIKUY_BITUACH_TIKRA()),
+                             c.HISAHONMIZARI());
     HUTAR_036 = MinLong(floor0(MinLong(p.N036, s.TikraBituach)), s.TikraKizva - HUTAR_045);
 
     KizvaLimitZikuy(p);
 
     // Care of a family member in an institution: above 12.5% of taxable
     // income; it and line 61 do not both count, and on a tie line 61 stays.
-    HUTAR_132 = MinLong(floor0(R(p.N132 - s.HachnasaChayevet * 0.125)), p.N132);
+    HUTAR_132 = MinLong(floor0(R(p.N132 - s.HachnasaChayevet * c.MOSAD_SAF())), p.N132);
     if (!Nekudot.N020) HUTAR_132 = 0;
-    const Amount W = R(HUTAR_132 * 0.35);
+    const Amount W = R(HUTAR_132 * Percent(c.ZIKUY_RATE()));
     if (W.value() <= ZIKUY_023)
         HUTAR_132 = 0;
     else
@@ -213,8 +215,8 @@ void Calculation::CreditsForPayments(Person& p) {
     Settlement(p);
 
     // Donations: up to 30% of taxable income, within half the research base.
-    Amount D = floor0(R(s.HachnasaMechkar * 0.5 - s.NikuyMechkar - s.NikuySratim));
-    D = MinLong(D, R(s.HachnasaChayevet * 0.3));
+    Amount D = floor0(R(s.HachnasaMechkar * c.TRUMOT_MECHKAR() - s.NikuyMechkar - s.NikuySratim));
+    D = MinLong(D, R(s.HachnasaChayevet * c.TRUMOT_TIKRA()));
     D = MinLong(D, c.TRUMOTMAX());
     if (p.N037 < c.TRUMOTMIN()) D = 0;
     HUTAR_037 = MinLong(D, p.N037);
@@ -228,7 +230,8 @@ void Calculation::CreditsForPayments(Person& p) {
     // the credit ceiling turned back into income at 15%.
     s.OdefMishmarot = floor0(p.N068 + p.N158 - c.MISHMAROTMAX());
     Amount shift = p.N068 - s.OdefMishmarot;
-    if (shift.value() > c.MISHMAROTZIKUYMAX().value() / 0.15) shift = R(c.MISHMAROTZIKUYMAX().value() / 0.15);
+    const double shiftRate = Percent(c.ZIKUY_RATE_MISHMAROT());
+    if (shift.value() > c.MISHMAROTZIKUYMAX().value() / shiftRate) shift = R(c.MISHMAROTZIKUYMAX().value() / shiftRate);
     HUTAR_Mishmarot = floor0(shift);
 }
 
@@ -242,21 +245,22 @@ void Calculation::KizvaLimitZikuy(Person& p) {
     if (p.N248 + p.N135 < c.KIZVA_MIN()) return;
     const Amount I = s.HachnasaKizva;
     const Amount S = floor0(p.N244);
-    const Amount P = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * 0.015)) + p.N045 + p.N268 + p.N135 -
+    const Amount P = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 -
                      s.NikuyKizva;
     const Amount T = P + p.N036;
     Amount L;
     if (S == 0) {
-        L = R(MinLong(I, c.HACH_MAX_ZIKUY()) * 0.05);
+        L = R(MinLong(I, c.HACH_MAX_ZIKUY()) * c.ZIKUY_KIZVA_ATZMAI());
     } else {
         const Amount sachir = MinLong(c.HACHNASAMEZAKA_SACHIR(), I);
         const Amount rest = MinLong(I - S, MinLong(c.HACH_MAX_ZIKUY() - MinLong(c.HACHNASAMEZAKA_SACHIR(), S), p.N135));
-        L = R(sachir * 0.07 + rest * 0.05);
+        L = R(sachir * c.ZIKUY_KIZVA_SACHIR() + rest * c.ZIKUY_KIZVA_ATZMAI());
     }
     L = MinLong(MaxLong(L, c.HISAHONMIZARI()), T);
     const Amount P1 = MinLong(P, L);
-    const Amount L1 = MinLong(MaxLong(MinLong(p.N036, L - P1), 0), R(I * 0.05));
-    if (HUTAR_045 * 0.35 + HUTAR_036 * 0.25 < P1 * 0.35 + L1 * 0.25) {
+    const Amount L1 = MinLong(MaxLong(MinLong(p.N036, L - P1), 0), R(I * c.ZIKUY_BITUACH_TIKRA()));
+    const double kizva = Percent(c.ZIKUY_RATE()), bituach = Percent(c.ZIKUY_RATE_BITUACH());
+    if (HUTAR_045 * kizva + HUTAR_036 * bituach < P1 * kizva + L1 * bituach) {
         HUTAR_045 = P1;
         HUTAR_036 = L1;
     }

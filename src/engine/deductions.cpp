@@ -24,8 +24,8 @@ void Calculation::FirstDeductions(Person& p) {
     s.HachnasaMechkar = floor0(s.HachnasaMechkar - s.NikuyNeft);
 
     // Research takes up to 40% first; research and film share one limit of 45%.
-    s.NikuyMechkar = MinLong(R(s.HachnasaMechkar * 0.4), p.N005);
-    s.NikuySratim = MinLong(floor0(R(s.HachnasaMechkar * 0.45 - s.NikuyMechkar)), p.N118);
+    s.NikuyMechkar = MinLong(R(s.HachnasaMechkar * c.MECHKAR_RATE()), p.N005);
+    s.NikuySratim = MinLong(floor0(R(s.HachnasaMechkar * c.MECHKAR_SRATIM_RATE() - s.NikuyMechkar)), p.N118);
 
     s.NikuimRishon = s.NikuyMechkar + s.NikuyHishtalmutNeft + s.NikuySratim;
     s.HachnasaAcharei = floor0(s.HachnasaKolel - s.NikuimRishon);
@@ -38,7 +38,7 @@ void Calculation::WorkDisability(Person& p) {
     PersonState& s = p.st;
     const Amount base = floor0(MinLong(p.N158 + p.N150, s.HachnasaAcharei));
     p.cnN112S = p.N206 + p.N112;
-    p.cnN112H = MinLong(R(base * 0.025), p.cnN112S);
+    p.cnN112H = MinLong(R(base * c.OVDAN_KOSHER_RATE()), p.cnN112S);
     s.NikuimRishon += p.cnN112H;
     s.HachnasaAcharei -= p.cnN112H;
     s.HachnasaKizva = s.HachnasaAcharei;
@@ -70,22 +70,22 @@ void Calculation::Pension(Person& p) {
     s.ChelekAtzmai = MinLong(s.ChelekAtzmai, c.HACHNASAMEZAKA() - s.ChelekSachir);
 
     // The general limit.
-    const Amount P = MinLong(floor0(R(s.ChelekAtzmai * 0.07 + W * 0.05)), p.N135);
-    Amount e = MinLong(R(s.ChelekAtzmai * 0.16), p.N135);
-    e = floor0(R(e - s.ChelekAtzmai * 0.12));
+    const Amount P = MinLong(floor0(R(s.ChelekAtzmai * c.NIKUY_KIZVA_ATZMAI() + W * c.NIKUY_KIZVA_SACHIR())), p.N135);
+    Amount e = MinLong(R(s.ChelekAtzmai * c.NIKUY_KIZVA_TIKRA()), p.N135);
+    e = floor0(R(e - s.ChelekAtzmai * c.NIKUY_KIZVA_SAF()));
     Amount D = P + e;
 
     // The limit of the older person.
-    const Amount O1 = MinLong(R(W * 0.075), R(s.ChelekSachir * 0.05));
-    const Amount O2 = MinLong(R(s.ChelekAtzmai * 0.105), R(c.HACHNASAMEZAKA() * 0.07 - O1));
+    const Amount O1 = MinLong(R(W * c.MEVUGAR_SACHIR()), R(s.ChelekSachir * c.MEVUGAR_SACHIR_TIKRA()));
+    const Amount O2 = MinLong(R(s.ChelekAtzmai * c.MEVUGAR_ATZMAI()), R(c.HACHNASAMEZAKA() * c.MEVUGAR_MEZAKA() - O1));
     Amount Q = MinLong(floor0(O1 + O2), p.N135);
     const bool hasBase = s.HachnasaKizva != 0;
-    Amount q1 = R(s.ChelekAtzmai * 0.215);
+    Amount q1 = R(s.ChelekAtzmai * c.MEVUGAR_TIKRA());
     const Amount c1 = hasBase ? R(s.ChelekAtzmai.value() / static_cast<double>(s.HachnasaKizva.value()) *
                                   c.MEZAKA16().value())
                               : Amount(0);
     q1 = MinLong(MinLong(q1, c1), p.N135);
-    Amount q2 = R(s.ChelekAtzmai * 0.155);
+    Amount q2 = R(s.ChelekAtzmai * c.MEVUGAR_SAF());
     const Amount c2 = hasBase ? R(s.ChelekAtzmai.value() / static_cast<double>(s.HachnasaKizva.value()) *
                                   c.MEZAKA12().value())
                               : Amount(0);
@@ -110,11 +110,11 @@ void Calculation::KizvaLimitNikuy(Person& p) {
     const Amount T = floor0(MinLong(I - S, qual));
     const Amount U = floor0(MinLong(I, c.HACH_MAX_NIKUY()) - MaxLong(S, qual));
     const Amount S2 = MinLong(T, U);
-    const Amount X1 = MinLong(A, R(S1 * 0.11));
-    const Amount X2 = MinLong(A - X1, R(S2 * 0.07));
-    Amount X3 = MinLong(A - X1 - X2, R(S2 * 0.04));
+    const Amount X1 = MinLong(A, R(S1 * c.KIZVA2_AMIT()));
+    const Amount X2 = MinLong(A - X1, R(S2 * c.KIZVA2_SACHIR()));
+    Amount X3 = MinLong(A - X1 - X2, R(S2 * c.KIZVA2_TOSEFET()));
     X3 = MinLong(X3, MaxLong(0, A - c.KIZVA_MIN()));
-    if (S2 * 0.12 > (A - X1).value()) X3 = 0;
+    if (S2 * c.KIZVA2_MIVCHAN() > (A - X1).value()) X3 = 0;
     const Amount L = MinLong(p.N135, X1 + X2 + X3);
     if (L > s.NikuyKizva) s.NikuyKizva = L;
 }

@@ -143,7 +143,7 @@ void Calculation::GatherShared(Person& p) {
 void Calculation::TotalIncome(Person& p) {
     PersonState& s = p.st;
     s.RechushRagil = p.chN201 + p.chN202 + p.chN204 + p.chN205 + p.chReali;
-    if (Rechush.AcheretRate <= 30)
+    if (Rechush.AcheretRate <= c.ACHERET_NAMUCH_MAX())
         s.AcheretNamuch = s.LineAcheret;
     else
         s.AcheretGavoha = s.LineAcheret;
@@ -163,7 +163,7 @@ void Calculation::ShiftToRegular(Person& p) {
     s.Yitra35 = s.LineN213 - p.chN213A;
     p.chN214A = clamp(c.SUM3() - (B + p.chN213A), s.LineN214);
     s.Yitra40 = s.LineN214 - p.chN214A;
-    st.SafAcheret = Rechush.AcheretRate <= 45 ? c.SUM3() : c.SUM4();
+    st.SafAcheret = Rechush.AcheretRate <= c.ACHERET_SUM3_MAX() ? c.SUM3() : c.SUM4();
     p.chAcheretB1 = clamp(st.SafAcheret - (B + p.chN213A + p.chN214A), s.AcheretGavoha);
     s.YitraAcheret = s.AcheretGavoha - p.chAcheretB1;
     s.BasisYegia = s.HachnasaYegia + p.chN214A;
@@ -215,24 +215,24 @@ Amount Calculation::OffsetChainStep(Amount x) {
 void Calculation::OffsetChain(Person& p) {
     PersonState& s = p.st;
     const Amount rate = Rechush.AcheretRate;
-    if (rate >= 40) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
+    if (rate >= c.RATE_N214()) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
     s.NetN214 = OffsetChainStep(s.Yitra40);
-    if (rate < 40) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
+    if (rate < c.RATE_N214()) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
     s.NetN213 = OffsetChainStep(s.Yitra35);
     s.NetN212 = OffsetChainStep(s.LineN212);
-    if (rate > 25 && rate <= 30) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate > c.RATE_N257() && rate <= c.RATE_N212()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
     s.NetN257 = OffsetChainStep(s.LineN257);
     s.NetN241 = OffsetChainStep(s.LineN241);
     s.NetN242 = OffsetChainStep(s.LineN242);
-    if (rate > 20 && rate <= 25) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate > c.RATE_N228() && rate <= c.RATE_N242()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
     s.NetN228 = OffsetChainStep(s.LineN228);
     s.NetN226 = OffsetChainStep(s.LineN226);
-    if (rate > 15 && rate <= 20) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate > c.RATE_N211() && rate <= c.RATE_N226()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
     s.NetN211 = OffsetChainStep(s.LineN211);
     s.NetN217 = OffsetChainStep(s.LineN217);
-    if (rate > 10 && rate <= 15) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate > c.RATE_INFLA() && rate <= c.RATE_N217()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
     s.NetInfla = OffsetChainStep(s.LineInfla);
-    if (rate <= 10) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate <= c.RATE_INFLA()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
 }
 
 }  // namespace zelmor::engine

@@ -14,7 +14,7 @@ void Calculation::CalcBL(bool forF) {
     const auto& y = Yegia;
     const auto& r = Rechush;
     // The sex the age test assumes: a registered woman with a husband is "F".
-    st.BLSex = (st.isIshaNesua != forF) ? 'F' : 'M';
+    st.BLSex = (filing.isIshaNesua != forF) ? 'F' : 'M';
     // Lines of both spouses go with the one who earned more; M on a tie.
     const bool takesShared = forF ? y.TTLF > y.TTLM : y.TTLF <= y.TTLM;
     Amount azmai, heino, salary;

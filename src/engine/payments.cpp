@@ -21,7 +21,7 @@ void CalcRibit(sheets::CMain& m, Date date, const ConstDoch& c, const MadadLooku
     const Date start = c.RIBITBASICDATE();
     const std::int32_t D = daysBetween(start, date);
     const Amount B = m.MasLetashlumTTL;
-    const Amount I = R(D / 365.0 * (B * 0.04));
+    const Amount I = R(D / static_cast<double>(c.RIBIT_DAYS()) * (B * c.RIBIT_RATE()));
     const double Y = engine::MadadOfDate(madad, date) / engine::MadadOfDate(madad, start);
     const Amount L = R((Y - 1) * B.value());
     const Amount K = R((Y - 1) * I.value());
@@ -34,8 +34,8 @@ void CalcRibit(sheets::CMain& m, Date date, const ConstDoch& c, const MadadLooku
     if (m.MasLetashlumM >= 1 && date.year() == c.YEARDOCH() + 1) {
         switch (date.month()) {
             case 1: m.PtorRibit = m.Ribit; break;
-            case 2: m.PtorRibit = R(m.Ribit * 0.5); break;
-            case 3: m.PtorRibit = R(m.Ribit * 0.25); break;
+            case 2: m.PtorRibit = R(m.Ribit * c.PTOR_RIBIT_FEB()); break;
+            case 3: m.PtorRibit = R(m.Ribit * c.PTOR_RIBIT_MAR()); break;
             default: break;
         }
     }

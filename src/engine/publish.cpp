@@ -42,7 +42,7 @@ void Calculation::PublishHachnasot() {
              h.N205 + h.N214A + h.N213A + h.AcheretMB1 + h.RealiM;
     h.TTLF = h.N170 + h.N270 + h.N172 + h.N069 + h.N272 + h.N372 + h.N220 + h.YegiaF + h.N301 + h.N302 + h.N304 +
              h.N305 + h.N314A + h.N313A + h.AcheretFB1 + h.RealiF;
-    switch (st.FilingMode) {
+    switch (filing.FilingMode) {
         case ModeJoint:
             h.TTLM += h.TTLF;
             h.TTLF = 0;
@@ -121,7 +121,7 @@ void Calculation::PublishHishuv() {
 // The pool of exempt interest, once for both persons: low total income, age
 // 65, and a small qualifying pension open it.
 void Calculation::ExemptInterestPool() {
-    const Amount T = st.HachnasaTestM + st.HachnasaTestF;
+    const Amount T = filing.HachnasaTestM + filing.HachnasaTestF;
     if (T <= c.HACHNASA_NEMUCHA())
         st.PtorRibitYitra = c.PTOR_RIBIT_NEMUCHA();
     else if (T <= c.HACHNASA_NEMUCHA() + c.PTOR_RIBIT_NEMUCHA())
@@ -130,7 +130,7 @@ void Calculation::ExemptInterestPool() {
         st.PtorRibitYitra = 0;
 
     const int ageM = ageInYear(Pratim.BirthDateM), ageF = ageInYear(Pratim.BirthDateF);
-    const bool oldM = ageM >= 65, oldF = ageF >= 65;
+    const bool oldM = ageM >= c.GIL_NIKUY_RIBIT(), oldF = ageF >= c.GIL_NIKUY_RIBIT();
     if (oldM && oldF)
         st.PtorRibitYitra += c.NIKUY_RIBIT_MUGDAL();
     else if (oldM || oldF)
@@ -139,13 +139,14 @@ void Calculation::ExemptInterestPool() {
     const PersonState& M = st.M;
     const PersonState& F = st.F;
     Amount Q = M.LineN217 + M.LineN226 + M.LineN242 + F.LineN217 + F.LineN226 + F.LineN242;
-    Amount V = st.HachnasaTestM - M.LineN217 - M.LineN226 - M.LineN242;
-    const Amount V2 = st.HachnasaTestF - F.LineN217 - F.LineN226 - F.LineN242;
+    Amount V = filing.HachnasaTestM - M.LineN217 - M.LineN226 - M.LineN242;
+    const Amount V2 = filing.HachnasaTestF - F.LineN217 - F.LineN226 - F.LineN242;
     if (V2 > V) V = V2;
-    const bool ageTest = Pratim.isFemale ? (ageF >= 65 || ageM >= 60) : (ageM >= 65 || ageF >= 60);
+    const int man = c.GIL_PTOR_RIBIT_GEVER(), woman = c.GIL_PTOR_RIBIT_ISHA();
+    const bool ageTest = Pratim.isFemale ? (ageF >= man || ageM >= woman) : (ageM >= man || ageF >= woman);
     if (V <= c.KIZVA_MEZAKA() && ageTest) {
         Q = MinLong(Q, c.KIZVA_MEZAKA() - V);
-        st.PtorRibitYitra = R(Q * 0.35 + st.PtorRibitYitra);
+        st.PtorRibitYitra = R(Q * c.PTOR_RIBIT_KIZVA() + st.PtorRibitYitra);
     }
 }
 
@@ -184,7 +185,7 @@ void Calculation::PublishMeyuchad() {
         *r.net = net;
         if (r.nikuy) *r.nikuy = gross - net;
         *r.rate = rate;
-        *r.mas = R(rate.value() / 100.0 * net.value());
+        *r.mas = R(Percent(rate.value()) * net.value());
         masSum += *r.mas;
         netSum += *r.net;
     };
@@ -192,43 +193,43 @@ void Calculation::PublishMeyuchad() {
 
     // Column M.
     const PersonState& M = st.M;
-    row({&m.N214B, &m.NIKUY_214B, &m.NET_214B, &m.RATE_214B, &m.MAS_214B}, M.Yitra40, M.NetN214, 40, false);
-    row({&m.N211, &m.NIKUY_211, &m.NET_211, &m.RATE_211, &m.MAS_211}, M.LineN211, M.NetN211, 15, false);
-    row({&m.N228, &m.NIKUY_228, &m.NET_228, &m.RATE_228, &m.MAS_228}, M.LineN228, M.NetN228, 20, false);
-    row({&m.N257, &m.NIKUY_257, &m.NET_257, &m.RATE_257, &m.MAS_257}, M.LineN257, M.NetN257, 25, false);
-    row({&m.N241, &m.NIKUY_241, &m.NET_241, &m.RATE_241, &m.MAS_241}, M.LineN241, M.NetN241, 25, false);
-    row({&m.N212, &m.NIKUY_212, &m.NET_212, &m.RATE_212, &m.MAS_212}, M.LineN212, M.NetN212, 30, false);
-    row({&m.N213B, &m.NIKUY_213B, &m.NET_213B, &m.RATE_213B, &m.MAS_213B}, M.Yitra35, M.NetN213, 35, false);
-    row({&m.N217, &m.NIKUY_217, &m.NET_217, &m.RATE_217, &m.MAS_217}, M.LineN217, M.NetN217, 15, true);
-    row({&m.N226, &m.NIKUY_226, &m.NET_226, &m.RATE_226, &m.MAS_226}, M.LineN226, M.NetN226, 20, true);
-    row({&m.N242, &m.NIKUY_242, &m.NET_242, &m.RATE_242, &m.MAS_242}, M.LineN242, M.NetN242, 25, true);
-    row({nullptr, nullptr, &m.NET_222, &m.RATE_222, &m.MAS_222}, st.LineN222, st.LineN222, 10, false);
-    row({nullptr, nullptr, &m.NET_225, &m.RATE_225, &m.MAS_225}, st.LineN225, st.LineN225, 15, false);
-    row({nullptr, nullptr, &m.NET_227, &m.RATE_227, &m.MAS_227}, st.LineN227, st.LineN227, 25, false);
+    row({&m.N214B, &m.NIKUY_214B, &m.NET_214B, &m.RATE_214B, &m.MAS_214B}, M.Yitra40, M.NetN214, c.RATE_N214(), false);
+    row({&m.N211, &m.NIKUY_211, &m.NET_211, &m.RATE_211, &m.MAS_211}, M.LineN211, M.NetN211, c.RATE_N211(), false);
+    row({&m.N228, &m.NIKUY_228, &m.NET_228, &m.RATE_228, &m.MAS_228}, M.LineN228, M.NetN228, c.RATE_N228(), false);
+    row({&m.N257, &m.NIKUY_257, &m.NET_257, &m.RATE_257, &m.MAS_257}, M.LineN257, M.NetN257, c.RATE_N257(), false);
+    row({&m.N241, &m.NIKUY_241, &m.NET_241, &m.RATE_241, &m.MAS_241}, M.LineN241, M.NetN241, c.RATE_N241(), false);
+    row({&m.N212, &m.NIKUY_212, &m.NET_212, &m.RATE_212, &m.MAS_212}, M.LineN212, M.NetN212, c.RATE_N212(), false);
+    row({&m.N213B, &m.NIKUY_213B, &m.NET_213B, &m.RATE_213B, &m.MAS_213B}, M.Yitra35, M.NetN213, c.RATE_N213(), false);
+    row({&m.N217, &m.NIKUY_217, &m.NET_217, &m.RATE_217, &m.MAS_217}, M.LineN217, M.NetN217, c.RATE_N217(), true);
+    row({&m.N226, &m.NIKUY_226, &m.NET_226, &m.RATE_226, &m.MAS_226}, M.LineN226, M.NetN226, c.RATE_N226(), true);
+    row({&m.N242, &m.NIKUY_242, &m.NET_242, &m.RATE_242, &m.MAS_242}, M.LineN242, M.NetN242, c.RATE_N242(), true);
+    row({nullptr, nullptr, &m.NET_222, &m.RATE_222, &m.MAS_222}, st.LineN222, st.LineN222, c.RATE_N222(), false);
+    row({nullptr, nullptr, &m.NET_225, &m.RATE_225, &m.MAS_225}, st.LineN225, st.LineN225, c.RATE_N225(), false);
+    row({nullptr, nullptr, &m.NET_227, &m.RATE_227, &m.MAS_227}, st.LineN227, st.LineN227, c.RATE_N227(), false);
     const MeyuchadRow acheretM{&m.AcheretM, &m.NIKUY_AcheretM, &m.NET_AcheretM, &m.RATE_AcheretM, &m.MAS_AcheretM};
     row(acheretM, M.AcheretNamuch, M.NetAcheretNamuch, acheretRate, false);
     row(acheretM, M.YitraAcheret, M.NetAcheretGavoha, acheretRate, false);
-    row({&m.InflaM, &m.NIKUY_InflaM, &m.NET_InflaM, &m.RATE_InflaM, &m.MAS_InflaM}, M.LineInfla, M.NetInfla, 10, false);
+    row({&m.InflaM, &m.NIKUY_InflaM, &m.NET_InflaM, &m.RATE_InflaM, &m.MAS_InflaM}, M.LineInfla, M.NetInfla, c.RATE_INFLA(), false);
     m.MMAS_TTL = masSum;
     m.MSUM_TTL = netSum;
 
     // Column F; what is left of the exempt interest serves F's savings lines.
     masSum = netSum = 0;
     const PersonState& F = st.F;
-    row({&m.N314B, &m.NIKUY_314B, &m.NET_314B, &m.RATE_314B, &m.MAS_314B}, F.Yitra40, F.NetN214, 40, false);
-    row({&m.N311, &m.NIKUY_311, &m.NET_311, &m.RATE_311, &m.MAS_311}, F.LineN211, F.NetN211, 15, false);
-    row({&m.N328, &m.NIKUY_328, &m.NET_328, &m.RATE_328, &m.MAS_328}, F.LineN228, F.NetN228, 20, false);
-    row({&m.N357, &m.NIKUY_357, &m.NET_357, &m.RATE_357, &m.MAS_357}, F.LineN257, F.NetN257, 25, false);
-    row({&m.N341, &m.NIKUY_341, &m.NET_341, &m.RATE_341, &m.MAS_341}, F.LineN241, F.NetN241, 25, false);
-    row({&m.N312, &m.NIKUY_312, &m.NET_312, &m.RATE_312, &m.MAS_312}, F.LineN212, F.NetN212, 30, false);
-    row({&m.N313B, &m.NIKUY_313B, &m.NET_313B, &m.RATE_313B, &m.MAS_313B}, F.Yitra35, F.NetN213, 35, false);
-    row({&m.N317, &m.NIKUY_317, &m.NET_317, &m.RATE_317, &m.MAS_317}, F.LineN217, F.NetN217, 15, true);
-    row({&m.N326, &m.NIKUY_326, &m.NET_326, &m.RATE_326, &m.MAS_326}, F.LineN226, F.NetN226, 20, true);
-    row({&m.N342, &m.NIKUY_342, &m.NET_342, &m.RATE_342, &m.MAS_342}, F.LineN242, F.NetN242, 25, true);
+    row({&m.N314B, &m.NIKUY_314B, &m.NET_314B, &m.RATE_314B, &m.MAS_314B}, F.Yitra40, F.NetN214, c.RATE_N214(), false);
+    row({&m.N311, &m.NIKUY_311, &m.NET_311, &m.RATE_311, &m.MAS_311}, F.LineN211, F.NetN211, c.RATE_N211(), false);
+    row({&m.N328, &m.NIKUY_328, &m.NET_328, &m.RATE_328, &m.MAS_328}, F.LineN228, F.NetN228, c.RATE_N228(), false);
+    row({&m.N357, &m.NIKUY_357, &m.NET_357, &m.RATE_357, &m.MAS_357}, F.LineN257, F.NetN257, c.RATE_N257(), false);
+    row({&m.N341, &m.NIKUY_341, &m.NET_341, &m.RATE_341, &m.MAS_341}, F.LineN241, F.NetN241, c.RATE_N241(), false);
+    row({&m.N312, &m.NIKUY_312, &m.NET_312, &m.RATE_312, &m.MAS_312}, F.LineN212, F.NetN212, c.RATE_N212(), false);
+    row({&m.N313B, &m.NIKUY_313B, &m.NET_313B, &m.RATE_313B, &m.MAS_313B}, F.Yitra35, F.NetN213, c.RATE_N213(), false);
+    row({&m.N317, &m.NIKUY_317, &m.NET_317, &m.RATE_317, &m.MAS_317}, F.LineN217, F.NetN217, c.RATE_N217(), true);
+    row({&m.N326, &m.NIKUY_326, &m.NET_326, &m.RATE_326, &m.MAS_326}, F.LineN226, F.NetN226, c.RATE_N226(), true);
+    row({&m.N342, &m.NIKUY_342, &m.NET_342, &m.RATE_342, &m.MAS_342}, F.LineN242, F.NetN242, c.RATE_N242(), true);
     const MeyuchadRow acheretF{&m.AcheretF, &m.NIKUY_AcheretF, &m.NET_AcheretF, &m.RATE_AcheretF, &m.MAS_AcheretF};
     row(acheretF, F.AcheretNamuch, F.NetAcheretNamuch, acheretRate, false);
     row(acheretF, F.YitraAcheret, F.NetAcheretGavoha, acheretRate, false);
-    row({&m.InflaF, &m.NIKUY_InflaF, &m.NET_InflaF, &m.RATE_InflaF, &m.MAS_InflaF}, F.LineInfla, F.NetInfla, 10, false);
+    row({&m.InflaF, &m.NIKUY_InflaF, &m.NET_InflaF, &m.RATE_InflaF, &m.MAS_InflaF}, F.LineInfla, F.NetInfla, c.RATE_INFLA(), false);
     m.FMAS_TTL = masSum;
     m.FSUM_TTL = netSum;
 }
@@ -250,24 +251,24 @@ void Calculation::PublishZikuim() {
                    Amount& credit) {
         paidCell = paid;
         rateCell = rate;
-        credit = R(rate.value() / 100.0 * base.value());
+        credit = R(Percent(rate.value()) * base.value());
         sum += credit;
     };
     // Line 65: life insurance.
-    line(sumM, z.N036, k.N036, z.RATE_036, 25, z.HUTAR_036, z.ZIKUY_036);
-    line(sumF, z.N081, k.N081, z.RATE_081, 25, z.HUTAR_081, z.ZIKUY_081);
+    line(sumM, z.N036, k.N036, z.RATE_036, c.ZIKUY_RATE_BITUACH(), z.HUTAR_036, z.ZIKUY_036);
+    line(sumF, z.N081, k.N081, z.RATE_081, c.ZIKUY_RATE_BITUACH(), z.HUTAR_081, z.ZIKUY_081);
     // Lines 66 to 68: survivors' insurance and pension.
-    line(sumM, z.N045, k.N045 + k.N268 + k.N140, z.RATE_045, 35, z.HUTAR_045, z.ZIKUY_045);
-    line(sumF, z.N086, k.N086 + k.N269 + k.N240, z.RATE_086, 35, z.HUTAR_086, z.ZIKUY_086);
+    line(sumM, z.N045, k.N045 + k.N268 + k.N140, z.RATE_045, c.ZIKUY_RATE(), z.HUTAR_045, z.ZIKUY_045);
+    line(sumF, z.N086, k.N086 + k.N269 + k.N240, z.RATE_086, c.ZIKUY_RATE(), z.HUTAR_086, z.ZIKUY_086);
     // Line 69: care in an institution.
-    line(sumM, z.N132, k.N132, z.RATE_132, 35, z.HUTAR_132, z.ZIKUY_132);
-    line(sumF, z.N232, k.N232, z.RATE_232, 35, z.HUTAR_232, z.ZIKUY_232);
+    line(sumM, z.N132, k.N132, z.RATE_132, c.ZIKUY_RATE(), z.HUTAR_132, z.ZIKUY_132);
+    line(sumF, z.N232, k.N232, z.RATE_232, c.ZIKUY_RATE(), z.HUTAR_232, z.ZIKUY_232);
     // Line 70: donations.
-    line(sumM, z.N037, k.N037, z.RATE_037, 35, z.HUTAR_037, z.ZIKUY_037);
-    line(sumF, z.N237, k.N237, z.RATE_237, 35, z.HUTAR_237, z.ZIKUY_237);
+    line(sumM, z.N037, k.N037, z.RATE_037, c.ZIKUY_RATE(), z.HUTAR_037, z.ZIKUY_037);
+    line(sumF, z.N237, k.N237, z.RATE_237, c.ZIKUY_RATE(), z.HUTAR_237, z.ZIKUY_237);
     // Line 71: memorial donations.
-    line(sumM, z.N143, k.N143, z.RATE_143, 30, z.HUTAR_143, z.ZIKUY_143);
-    line(sumF, z.N144, k.N144, z.RATE_144, 30, z.HUTAR_144, z.ZIKUY_144);
+    line(sumM, z.N143, k.N143, z.RATE_143, c.ZIKUY_RATE_HANTZACHA(), z.HUTAR_143, z.ZIKUY_143);
+    line(sumF, z.N144, k.N144, z.RATE_144, c.ZIKUY_RATE_HANTZACHA(), z.HUTAR_144, z.ZIKUY_144);
     // Line 73: settlements; the paid cell is the income the settlement rule found.
     line(sumM, z.N093, z.N093, z.RATE_093, k.N093Rate, z.HUTAR_093, z.ZIKUY_093);
     line(sumF, z.N193, z.N193, z.RATE_193, k.N193Rate, z.HUTAR_193, z.ZIKUY_193);
@@ -279,8 +280,8 @@ void Calculation::PublishZikuim() {
     z.ZIKUY_AcherimF = z.HUTAR_AcherimF;
     sumF += z.ZIKUY_AcherimF;
     // Shift work.
-    line(sumM, z.MishmarotM, Yegia.N068, z.RATE_MishmarotM, 15, z.HUTAR_MishmarotM, z.ZIKUY_MishmarotM);
-    line(sumF, z.MishmarotF, Yegia.N069, z.RATE_MishmarotF, 15, z.HUTAR_MishmarotF, z.ZIKUY_MishmarotF);
+    line(sumM, z.MishmarotM, Yegia.N068, z.RATE_MishmarotM, c.ZIKUY_RATE_MISHMAROT(), z.HUTAR_MishmarotM, z.ZIKUY_MishmarotM);
+    line(sumF, z.MishmarotF, Yegia.N069, z.RATE_MishmarotF, c.ZIKUY_RATE_MISHMAROT(), z.HUTAR_MishmarotF, z.ZIKUY_MishmarotF);
 }
 
 void Calculation::PublishTashlumim() {

@@ -2,7 +2,7 @@
 // The paper forms of the result sheets and of the report's sections, drawn
 // through the page printer of a running job.
 
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "print/cls_print.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/date.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "print/cls_print.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"

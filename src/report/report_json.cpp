@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -11,9 +10,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include "core/json_writer.h"
+#include "core/nearest_name.h"
+#include "core/tax_year.h"
 #include "core/values.h"
 #include "report/entry_layout.h"
-#include "engine/const_doch.h"
 
 namespace zelmor {
 
@@ -45,59 +46,6 @@ int slot(SectionId id) { return static_cast<int>(id); }
 
 // --- Text helpers -----------------------------------------------------------
 
-bool validUtf8(std::string_view s) {
-    std::size_t i = 0;
-    while (i < s.size()) {
-        const auto c = static_cast<unsigned char>(s[i]);
-        std::size_t len;
-        std::uint32_t cp;
-        if (c < 0x80) { ++i; continue; }
-        if ((c & 0xE0) == 0xC0) { len = 2; cp = c & 0x1Fu; }
-        else if ((c & 0xF0) == 0xE0) { len = 3; cp = c & 0x0Fu; }
-        else if ((c & 0xF8) == 0xF0) { len = 4; cp = c & 0x07u; }
-        else return false;
-        if (i + len > s.size()) return false;
-        for (std::size_t k = 1; k < len; ++k) {
-            const auto cc = static_cast<unsigned char>(s[i + k]);
-            if ((cc & 0xC0) != 0x80) return false;
-            cp = (cp << 6) | (cc & 0x3Fu);
-        }
-        // No overlong forms, no surrogates, nothing beyond U+10FFFF.
-        if ((len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) || (len == 4 && cp < 0x10000) ||
-            (cp >= 0xD800 && cp <= 0xDFFF) || cp > 0x10FFFF)
-            return false;
-        i += len;
-    }
-    return true;
-}
-
-// A JSON string literal of s (s is valid UTF-8; non-ASCII characters pass as they are).
-void appendQuoted(std::string& out, std::string_view s) {
-    static const char kHex[] = "0123456789abcdef";
-    out += '"';
-    for (char ch : s) {
-        const auto c = static_cast<unsigned char>(ch);
-        switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\b': out += "\\b"; break;
-            case '\f': out += "\\f"; break;
-            case '\n': out += "\\n"; break;
-            case '\r': out += "\\r"; break;
-            case '\t': out += "\\t"; break;
-            default:
-                if (c < 0x20) {
-                    out += "\\u00";
-                    out += kHex[c >> 4];
-                    out += kHex[c & 0xF];
-                } else {
-                    out += ch;
-                }
-        }
-    }
-    out += '"';
-}
-
 // A user's text quoted for a message, cut short when it is long.
 std::string quotedForMessage(std::string_view s) {
     constexpr std::size_t kMaxChars = 40;
@@ -106,57 +54,21 @@ std::string quotedForMessage(std::string_view s) {
         std::size_t chars = 0, i = 0;
         for (; i < s.size(); ++i)
             if ((static_cast<unsigned char>(s[i]) & 0xC0) != 0x80 && chars++ == kMaxChars) break;
-        appendQuoted(out, s.substr(0, i));
+        appendJsonString(out, s.substr(0, i));
         out.insert(out.size() - 1, "...");
     } else {
-        appendQuoted(out, s);
+        appendJsonString(out, s);
     }
     return out;
 }
 
 std::string jsonQuoted(std::string_view s) {
     std::string out;
-    appendQuoted(out, s);
+    appendJsonString(out, s);
     return out;
 }
 
 // --- Names ------------------------------------------------------------------
-
-// Edit distance with transpositions, letters compared without case.
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; };
-    const std::size_t n = a.size(), m = b.size();
-    std::vector<std::size_t> prev2(m + 1), prev(m + 1), cur(m + 1);
-    for (std::size_t j = 0; j <= m; ++j) prev[j] = j;
-    for (std::size_t i = 1; i <= n; ++i) {
-        cur[0] = i;
-        for (std::size_t j = 1; j <= m; ++j) {
-            const std::size_t cost = lower(a[i - 1]) == lower(b[j - 1]) ? 0 : 1;
-            cur[j] = std::min({prev[j] + 1, cur[j - 1] + 1, prev[j - 1] + cost});
-            if (i > 1 && j > 1 && lower(a[i - 1]) == lower(b[j - 2]) && lower(a[i - 2]) == lower(b[j - 1]))
-                cur[j] = std::min(cur[j], prev2[j - 2] + 1);
-        }
-        std::swap(prev2, prev);
-        std::swap(prev, cur);
-    }
-    return prev[m];
-}
-
-// The candidate nearest to a mistyped name, when one is near enough to be meant.
-template <class Names>
-std::optional<std::string> nearestName(std::string_view name, const Names& candidates) {
-    std::optional<std::string> best;
-    std::size_t bestDistance = std::numeric_limits<std::size_t>::max();
-    for (std::string_view c : candidates) {
-        const std::size_t d = editDistance(name, c);
-        const std::size_t allowed = std::max<std::size_t>(1, std::max(name.size(), c.size()) / 3);
-        if (d <= allowed && d < bestDistance) {
-            bestDistance = d;
-            best = std::string(c);
-        }
-    }
-    return best;
-}
 
 struct SectionIndex {
     const SectionDef* def = nullptr;
@@ -253,6 +165,45 @@ std::pair<std::size_t, std::size_t> placeOf(std::string_view text, std::size_t p
     const std::size_t lineStart = lastNewline == std::string_view::npos ? 0 : lastNewline + 1;
     return {line, utf8Length(before.substr(lineStart))};
 }
+
+[[noreturn]] void throwMalformed(std::string_view text, std::size_t position, const nlohmann::detail::exception& ex) {
+    // nlohmann's text is "[json.exception...] parse error at line L, column C: what"; the
+    // place is worked out again here in characters, and "what" is kept.
+    std::string what = ex.what();
+    const std::size_t at = what.find(", column ");
+    if (at != std::string::npos) {
+        const std::size_t colon = what.find(": ", at);
+        if (colon != std::string::npos) what = what.substr(colon + 2);
+    }
+    const auto [line, column] = placeOf(text, position);
+    throw InputError(line, column, "malformed JSON (" + what + ")");
+}
+
+// Reads the text as JSON and nothing more: a document that is refused for what
+// it says is first checked to be JSON at all, so that a syntax error further on
+// is what the message names.
+class SyntaxCheck final : public nlohmann::json_sax<json> {
+public:
+    explicit SyntaxCheck(std::string_view text) : text_(text) {}
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t&) override { return true; }
+    bool string(string_t&) override { return true; }
+    bool binary(binary_t&) override { return true; }
+    bool start_object(std::size_t) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool key(string_t&) override { return true; }
+    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& ex) override {
+        throwMalformed(text_, position, ex);
+    }
+
+private:
+    std::string_view text_;
+};
 
 class ReportReader final : public nlohmann::json_sax<json> {
 public:
@@ -358,16 +309,14 @@ public:
     }
 
     bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& ex) override {
-        // nlohmann's text is "[json.exception...] parse error at line L, column C: what"; the
-        // place is worked out again here in characters, and "what" is kept.
-        std::string what = ex.what();
-        const std::size_t at = what.find(", column ");
-        if (at != std::string::npos) {
-            const std::size_t colon = what.find(": ", at);
-            if (colon != std::string::npos) what = what.substr(colon + 2);
-        }
-        const auto [line, column] = placeOf(text_, position);
-        throw InputError(line, column, "malformed JSON (" + what + ")");
+        throwMalformed(text_, position, ex);
+    }
+
+    // The report's id as far as the document was read (trimmed); nothing when
+    // the id was not met yet.
+    std::optional<std::string> idSoFar() const {
+        if (!seenId_) return std::nullopt;
+        return trimmed(report_.NishumID());
     }
 
 private:
@@ -489,6 +438,7 @@ private:
                                       std::to_string(f.maxLength) + " the field takes");
                 }
                 f.ref<std::string>(report_).assign(v.text);
+                if (&f.ref<std::string>(report_) == &report_.Pratim.IDM) seenId_ = true;
                 return;
             case FieldType::Boolean:
                 if (v.kind != Value::Bool) refuse(f, "expected true or false, got " + describe(v));
@@ -563,7 +513,7 @@ private:
     NishumInput report_;
     State state_ = State::Start;
     TopKey topKey_ = TopKey::None;
-    bool seenFormat_ = false, seenVersion_ = false, seenYear_ = false;
+    bool seenFormat_ = false, seenVersion_ = false, seenYear_ = false, seenId_ = false;
     std::array<bool, kSectionSlots> seenSections_{};
     const SectionIndex* section_ = nullptr;
     const FieldDef* field_ = nullptr;
@@ -571,86 +521,66 @@ private:
     std::vector<std::pair<const FieldDef*, std::int64_t>> given_;  // derived members as the document gives them
 };
 
-// --- Writing ----------------------------------------------------------------
+// --- Writing ---------------------------------------------------------------
 
-void appendInt(std::string& out, std::int64_t v) {
-    char buf[24];
-    const auto r = std::to_chars(buf, buf + sizeof buf, v);
-    out.append(buf, r.ptr);
-}
-
-void appendValue(std::string& out, const FieldDef& f, const NishumInput& r) {
+void writeValue(JsonWriter& w, const FieldDef& f, const NishumInput& r) {
     switch (f.type) {
         case FieldType::Text: {
             const std::string& s = f.ref<std::string>(r);
-            if (!validUtf8(s)) throw InputError(f.sectionName, f.name, "text is not valid UTF-8");
-            appendQuoted(out, s);
+            if (!isValidUtf8(s)) throw InputError(f.sectionName, f.name, "text is not valid UTF-8");
+            w.string(s);
             return;
         }
         case FieldType::Date: {
             const Date d = f.ref<Date>(r);
             if (d.isNull())
-                out += "null";
+                w.null();
             else
-                appendQuoted(out, formatIsoDate(d));
+                w.string(formatIsoDate(d));
             return;
         }
-        case FieldType::Boolean: out += f.ref<bool>(r) ? "true" : "false"; return;
-        case FieldType::Amount: appendInt(out, f.ref<Amount>(r).value()); return;
-        case FieldType::Number: appendInt(out, f.ref<std::int32_t>(r)); return;
-        case FieldType::Count: appendInt(out, f.ref<std::int16_t>(r)); return;
+        case FieldType::Boolean: w.boolean(f.ref<bool>(r)); return;
+        case FieldType::Amount: w.integer(f.ref<Amount>(r).value()); return;
+        case FieldType::Number: w.integer(f.ref<std::int32_t>(r)); return;
+        case FieldType::Count: w.integer(f.ref<std::int16_t>(r)); return;
     }
 }
 
 }  // namespace
 
 NishumInput parseReportDocument(std::string_view text) {
+    // The parser would take a NUL byte for the end of the text and read no further.
+    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
+        const auto [line, column] = placeOf(text, nul + 1);
+        throw InputError(line, column, "malformed JSON (a NUL byte; a report document is text)");
+    }
     ReportReader reader(text);
-    json::sax_parse(text.begin(), text.end(), &reader);
-    return reader.finish();
+    try {
+        json::sax_parse(text.begin(), text.end(), &reader);
+        return reader.finish();
+    } catch (InputError& e) {
+        if (e.line == 0) {
+            SyntaxCheck check(text);
+            json::sax_parse(text.begin(), text.end(), &check);
+            e.reportId = reader.idSoFar();
+        }
+        throw;
+    }
 }
 
 std::string writeReportDocument(const NishumInput& report, bool pretty) {
-    const char* const colon = pretty ? ": " : ":";
-    const char* const indent1 = pretty ? "\n  " : "";
-    const char* const indent2 = pretty ? "\n    " : "";
-    std::string out;
-    out.reserve(pretty ? 10000 : 7000);
-    out += '{';
-    out += indent1;
-    out += "\"format\"";
-    out += colon;
-    appendQuoted(out, kFormat);
-    out += ',';
-    out += indent1;
-    out += "\"version\"";
-    out += colon;
-    appendInt(out, kVersion);
-    out += ',';
-    out += indent1;
-    out += "\"year\"";
-    out += colon;
-    appendInt(out, ConstDoch().YEARDOCH());
+    JsonWriter w(pretty ? JsonWriter::Layout::Indented : JsonWriter::Layout::Compact, pretty ? 10000 : 7000);
+    w.beginObject();
+    w.key("format").string(kFormat);
+    w.key("version").integer(kVersion);
+    w.key("year").integer(ConstDoch().YEARDOCH());
     for (const SectionDef& s : allSections()) {
-        out += ',';
-        out += indent1;
-        appendQuoted(out, s.name);
-        out += colon;
-        out += '{';
-        bool first = true;
-        for (const FieldDef& f : sectionFields(s.id)) {
-            if (!first) out += ',';
-            first = false;
-            out += indent2;
-            appendQuoted(out, f.name);
-            out += colon;
-            appendValue(out, f, report);
-        }
-        out += indent1;
-        out += '}';
+        w.key(s.name).beginObject();
+        for (const FieldDef& f : sectionFields(s.id)) writeValue(w.key(f.name), f, report);
+        w.endObject();
     }
-    out += pretty ? "\n}" : "}";
-    return out;
+    w.endObject();
+    return w.take();
 }
 
 }  // namespace zelmor

@@ -4,6 +4,7 @@
 // member, in catalogue order.
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -24,6 +25,8 @@ struct InputError : std::runtime_error {
     std::string member;   // "N150", or "format"/"version"/"year"; empty when the whole section is meant
     std::string problem;  // what is wrong, without the place
     std::size_t line = 0, column = 0;  // where malformed JSON breaks off; 0 otherwise
+    // The report's id (trimmed) when the document was read far enough to know it.
+    std::optional<std::string> reportId;
 };
 
 // Reads one report document. A member or section left out takes the value of a

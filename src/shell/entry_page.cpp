@@ -20,7 +20,7 @@
 
 #include "core/field_checks.h"
 #include "core/values.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "report/entry_layout.h"
 #include "shell/entry_fields.h"
 #include "shell/messages.h"

@@ -21,7 +21,7 @@
 #include <thread>
 
 #include "core/values.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 
 namespace zelmor::storage {
 

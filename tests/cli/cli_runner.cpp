@@ -44,11 +44,13 @@ std::vector<std::string> lines(const std::string& text) {
     return out;
 }
 
-CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText, const std::string& workDir) {
+CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText, const std::string& workDir,
+              const std::string& stdoutPath) {
     // Standard input and both outputs go through files: no pipe can fill up and stall.
     static int serial = 0;
     const std::string dir = freshTempDir("run" + std::to_string(++serial));
-    const std::string in = dir + "/stdin", out = dir + "/stdout", err = dir + "/stderr";
+    const std::string in = dir + "/stdin", out = stdoutPath.empty() ? dir + "/stdout" : stdoutPath,
+                      err = dir + "/stderr";
     writeFile(in, stdinText);
 
     std::vector<std::string> argv{cliPath()};
@@ -62,7 +64,7 @@ CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText
     if (pid == 0) {
         if (!workDir.empty() && ::chdir(workDir.c_str()) != 0) ::_exit(126);
         const int fin = ::open(in.c_str(), O_RDONLY);
-        const int fout = ::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        const int fout = ::open(out.c_str(), O_WRONLY | O_CREAT | (stdoutPath.empty() ? O_TRUNC : 0), 0644);
         const int ferr = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (fin < 0 || fout < 0 || ferr < 0) ::_exit(126);
         ::dup2(fin, 0);
@@ -76,7 +78,7 @@ CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText
     }
     CliRun r;
     r.status = WIFEXITED(wstatus) ? WEXITSTATUS(wstatus) : -1;
-    r.out = readFile(out);
+    if (stdoutPath.empty()) r.out = readFile(out);
     r.err = readFile(err);
     fs::remove_all(dir);
     return r;

@@ -17,9 +17,10 @@ struct CliRun {
 std::string cliPath();
 
 // Runs zelmor-cli with args in workDir (empty: the current folder), feeding
-// stdinText on standard input.
+// stdinText on standard input. With stdoutPath, standard output goes to that
+// file (a device such as /dev/full too) and out stays empty.
 CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText = {},
-              const std::string& workDir = {});
+              const std::string& workDir = {}, const std::string& stdoutPath = {});
 
 // A fresh empty folder under the build tree for one test.
 std::string freshTempDir(const std::string& name);

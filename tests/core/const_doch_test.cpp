@@ -1,4 +1,4 @@
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"

@@ -13,7 +13,7 @@
 #include <QtTest>
 
 #include "core/values.h"
-#include "engine/const_doch.h"
+#include "core/tax_year.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
 #include "shell/messages.h"
