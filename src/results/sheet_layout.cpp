@@ -89,6 +89,7 @@ const BlockLayout kHishuvBlocks[] = {
      .cells = Boxes{Box{70, 210}, {320, 460}, {520, 660}, {770, 910}},
      .heads = kHishuvHeads,
      .secondCaption = {670, 760},
+     .totalCaption = {0, 65},
      .ruleSlots = 0b1111},
 };
 const Walk kHishuvWalk[] = {

@@ -59,6 +59,7 @@ struct BlockLayout {
     std::array<SlotDecor, 8> decor{};
     std::span<const SheetHead> heads{};  // the heads over the block
     Box secondCaption{};               // a caption made from values shown twice (a bracket's rate per person)
+    Box totalCaption{};                // where a total's caption stands when not in the caption box
     unsigned ruleSlots = 0;            // bit i: the rules of the block stand under slot i
 };
 
