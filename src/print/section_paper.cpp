@@ -228,9 +228,11 @@ const std::vector<Line>& nekudotLines() {
          1},
         {{L(7, "63. חייל משוחרר - תאריך שחרור מסדיר"), C(50, "N224"), C(70, "N324", spouse)}, 1},
         {{LA(7, "60. ", "מספר חודשי שירות מלאים"), C(50, "N024"), C(70, "N124", spouse)}, 1},
+        // The degree texts are wider than the columns of the lines above:
+        // both move right, clear of the caption and of each other.
         {{L(7, "64. סיום לימודים לתואר אקדמי או לימודי הוראה"),
-          {.col = 50, .field = "N181", .code = true, .fmt = Fmt::Degree},
-          {.col = 70, .text = "בן/בת הזוג ", .field = "N182", .code = true, .fmt = Fmt::Degree}},
+          {.col = 40, .field = "N181", .code = true, .fmt = Fmt::Degree},
+          {.col = 63, .text = "בן/בת הזוג ", .field = "N182", .code = true, .fmt = Fmt::Degree}},
          0},
     };
     return lines;
@@ -286,9 +288,10 @@ const std::vector<Line>& tashlumimLines() {
         {{L(7, "79. מקדמות עודפות חברה משפחתית"), V(35, "OdfotM"), V(55, "OdfotF"), V(75, "Odfot")}, 1},
         {{LA(7, "79. ", "שולם ע\"ח")}, 1},
         {{LA(7, "79. שו", "מקדמות"), V(35, "MikdamotM"), V(55, "MikdamotF"), V(75, "Mikdamot")}, 1},
+        // The rules stand under the amounts of this line, not through them.
         {{LA(7, "79. שו", "תשלומים (החזרים) נוספים"), V(35, "TashlumimM"), V(55, "TashlumimF"), V(75, "Tashlumim")},
-         0.5},
-        {{}, 1, {{35, 45, 1}, {55, 65, 1}, {75, 85, 1}}},
+         1},
+        {{}, 0.5, {{35, 45, 1}, {55, 65, 1}, {75, 85, 1}}},
         {{Bold(7, "סה\"כ תשלומים ע\"ח המס"), {.col = 35, .field = "TashTTLM", .bold = true},
           {.col = 55, .field = "TashTTLF", .bold = true}, {.col = 75, .field = "TashTTL", .bold = true}},
          0},
