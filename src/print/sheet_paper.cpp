@@ -216,12 +216,14 @@ void printMeyuchad(SheetPrinter& s) {
     if (gross == 0) return p.NextLine(-3);
     s.title();
     // The texts of a row in column order; the gross and its deduction only when there is a deduction.
+    const auto& decor = s.layout_.blocks[0].decor;
     auto texts = [&](const SheetRow& r) {
         const bool deducted = r.fields[1] && s.value(r.fields[1]) != 0;
+        const QString deduction = QLatin1Char(' ') + QString::fromUtf8(decor[1].before) + QLatin1Char(' ');
         return std::array<QString, 6>{deducted ? s.amount(r.fields[0]) : QString(),
-                                      deducted ? QStringLiteral(" בניכוי ") + s.amount(r.fields[1]) : QString(),
-                                      s.amount(r.fields[2]), QStringLiteral("X"), s.amount(r.fields[3]) + QStringLiteral("% ="),
-                                      s.amount(r.fields[4])};
+                                      deducted ? deduction + s.amount(r.fields[1]) : QString(),
+                                      s.amount(r.fields[2]), QString::fromUtf8(decor[3].before),
+                                      s.amount(r.fields[3]) + QString::fromUtf8(decor[3].after), s.amount(r.fields[4])};
     };
     // A long caption pushes the gross amounts of the whole sheet aside, so
     // they stay in one column.
@@ -263,14 +265,15 @@ void printZikuim(SheetPrinter& s) {
     // A credit by points: the worth of a point times the points, and the
     // credit, for each person. A caption too long for its place pushes the
     // columns aside for the whole block.
-    const QString pointWorth = amountText(s.params_.pointWorth) + QStringLiteral(" X");
+    const SlotDecor& points = s.layout_.blocks[0].decor[0];
+    const QString pointWorth = amountText(s.params_.pointWorth) + QLatin1Char(' ') + QString::fromUtf8(points.before);
     auto texts = [&](const SheetRow& r) {
         std::array<QString, 6> t;
         for (int person = 0; person < 2; ++person) {
             if (!r.fields[static_cast<std::size_t>(person * 2)]) continue;
             t[static_cast<std::size_t>(person * 3)] = pointWorth;
-            t[static_cast<std::size_t>(person * 3 + 1)] =
-                QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2)) + QStringLiteral(" =");
+            t[static_cast<std::size_t>(person * 3 + 1)] = QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2)) +
+                                                          QLatin1Char(' ') + QString::fromUtf8(points.after);
             t[static_cast<std::size_t>(person * 3 + 2)] =
                 QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2 + 1));
         }
