@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QCalendarWidget>
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonDocument>
@@ -18,6 +19,7 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <QtTest/QTest>
+#include <cstdio>
 #include <memory>
 
 #include "core/values.h"
@@ -324,8 +326,11 @@ TEST_F(ResultViewTest, DISABLED_Screenshots) {
                                      std::pair{"special", ZELMOR_SOURCE_DIR "/tests/golden/reports/fixed-rate-income.json"}}) {
         show(calc(QString::fromUtf8(path)));
         for (int page = 1; page <= 8; ++page) {
+            QElapsedTimer timer;
+            timer.start();
             view->goSheet(page);
             QCoreApplication::processEvents();
+            std::printf("%s sheet %d shown in %.2f ms\n", name, page, timer.nsecsElapsed() / 1e6);
             view->grab().save(QStringLiteral("%1/%2-%3.png").arg(dir, QString::fromUtf8(name)).arg(page));
         }
     }
