@@ -109,7 +109,7 @@ void expectSheetsMatchDocument(ResultView& view, const QJsonObject& doc) {
             if (p.what != WalkStep::Row) continue;
             for (int slot = 0; slot < 8; ++slot) {
                 const char* field = p.row->fields[static_cast<std::size_t>(slot)];
-                if (!field) continue;
+                if (!field || (p.row->screenOmits & (1u << slot))) continue;
                 const QJsonValue v = values.value(QString::fromUtf8(field));
                 if (sheet == SheetId::CMain && std::string_view(field) == "RibitDate") {
                     const QLineEdit* date = canvasOf(view)->dateField();
@@ -304,6 +304,22 @@ TEST_F(ResultViewTest, AHiddenRowTakesNoPlace) {
     EXPECT_EQ(valueLabel(*view, "N170")->text(), "2,000-");
     EXPECT_EQ(valueLabel(*view, "N170")->layoutDirection(), Qt::LeftToRight);
     EXPECT_EQ(valueLabel(*view, "N172")->text(), "");
+}
+
+TEST_F(ResultViewTest, CreditsShowPointsWithTwoDecimalsAndOtherCreditsWithoutRate) {
+    CalcResult r;
+    r.out.Zikuim.NEKUDA_020M = 2.25;
+    r.out.Zikuim.ZIKUY_020M = 5886;
+    r.out.Zikuim.AcherimM = 1000;
+    r.out.Zikuim.HUTAR_AcherimM = 1000;
+    r.out.Zikuim.RATE_AcherimM = 35;
+    r.out.Zikuim.ZIKUY_AcherimM = 350;
+    r.out.Zikuim.ZIKUY_TTL_M = 6236;
+    show(r);
+    view->goSheet(6);
+    EXPECT_EQ(valueLabel(*view, "NEKUDA_020M")->text(), "2.25");
+    EXPECT_EQ(valueLabel(*view, "ZIKUY_AcherimM")->text(), "350");
+    EXPECT_EQ(valueLabel(*view, "RATE_AcherimM"), nullptr);
 }
 
 TEST_F(ResultViewTest, CtrlCCopiesTheSheetAsTabSeparatedText) {
