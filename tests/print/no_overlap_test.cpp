@@ -3,7 +3,9 @@
 // words of a page may touch, and no heading may stand alone at the foot of a page.
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QSet>
+#include <QTemporaryDir>
 #include <map>
 
 #include "engine/calc.h"
@@ -143,18 +145,25 @@ void expectNoHeadingAtTheFoot(const std::vector<PdfWord>& words, const QString& 
 TEST(NoTextOverText, ResultsAndReportsOfGeneratedReports) {
     zelmor::testing::FixedMadad madad;
     const ConstDoch c;
+    // Covering letters of different lengths move every block up and down the pages.
+    QTemporaryDir dataDir;
+    const PrintSetup setup{dataDir.path(), kSetup.today, {}};
     int n = 0;
     for (const NishumInput& report : crowdedReports(36)) {
+        QFile letter(dataDir.filePath(QStringLiteral("PNIA.TXT")));
+        ASSERT_TRUE(letter.open(QIODevice::WriteOnly));
+        for (int line = 0; line < n % 23; ++line) letter.write("שורה של מכתב\n");
+        letter.close();
         const CalcResult r = CalcDoch(report, c, madad, kSetup.today);
         const QString tag = QStringLiteral("report %1 (mode %2)").arg(n).arg(r.FilingMode);
         const auto sheets = printedWords(QStringLiteral("sheets%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, kSetup, report, r.out, false, false);
+            return PrintNishum(t, setup, report, r.out, false, false);
         });
         const auto bl = printedWords(QStringLiteral("bl%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, kSetup, report, r.out, false, true);
+            return PrintNishum(t, setup, report, r.out, false, true);
         });
         const auto sections = printedWords(QStringLiteral("report%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, kSetup, report, false);
+            return PrintNishum(t, setup, report, false);
         });
         expectNoWordsTouch(sheets, tag + " sheets");
         expectNoWordsTouch(bl, tag + " insurance");
