@@ -29,13 +29,11 @@
 #include <cstdint>
 #include <span>
 
+#include "report/medium.h"
 #include "report/nishum_input.h"
 
 namespace zelmor {
 
-enum class Medium : std::uint8_t { Both, Screen, Paper };
-inline bool onScreen(Medium m) { return m != Medium::Paper; }
-inline bool onPaper(Medium m) { return m != Medium::Screen; }
 
 // A text as the screen words it and as the paper does; "" where a medium shows none.
 struct Words {

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "report/medium.h"
 #include "results/sheet_rows.h"
 
 namespace zelmor {
@@ -105,8 +106,6 @@ std::string paperTitle(SheetId sheet, const SheetParams& params);
 int cellDecimals(SheetId sheet, const SheetRow& row, int slot);
 // The text of a cell: its field through the amount format with its decimals.
 std::string cellText(const NishumOutput& out, SheetId sheet, const SheetRow& row, int slot);
-
-enum class Medium { Screen, Paper };
 
 // The caption of a row, with what is made from values: the interest date (and
 // the exemption, on paper), the date of the balance, a national insurance
