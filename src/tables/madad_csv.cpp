@@ -1,6 +1,9 @@
 #include "tables/madad_csv.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
@@ -135,8 +138,20 @@ bool parseMadadCsv(const QByteArray& text, std::vector<MadadRow>* rows, QString*
     return true;
 }
 
+// The shipped table lies beside the program in an installed tree
+// (<prefix>/bin/zelmor, <prefix>/share/zelmor/madad.csv), wherever that tree
+// was unpacked; a build tree uses the copy built into the program.
+QString shippedMadadPath() {
+    if (QCoreApplication::instance()) {
+        const QString installed =
+            QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../share/zelmor/madad.csv"));
+        if (QFileInfo(installed).isFile()) return QDir::cleanPath(installed);
+    }
+    return QStringLiteral(":/zelmor/madad.csv");
+}
+
 bool readShippedMadad(std::vector<MadadRow>* rows, QString* lastMonth, QString* error) {
-    QFile f(QStringLiteral(":/zelmor/madad.csv"));
+    QFile f(shippedMadadPath());
     if (!f.open(QIODevice::ReadOnly)) {
         *error = QStringLiteral("טבלת המדדים המצורפת לתוכנה אינה זמינה (%1)").arg(f.errorString());
         return false;
