@@ -13,6 +13,7 @@
 #include "cli/cli_common.h"
 #include "cli/commands.h"
 #include "core/nearest_name.h"
+#include "core/version.h"
 
 namespace {
 
@@ -57,6 +58,7 @@ constexpr const char* kGlobalValueOptions[] = {"--data-dir", "--db", "--today"};
 void generalUsage(std::FILE* to) {
     std::fprintf(to, "usage: zelmor-cli COMMAND ...\n");
     for (const auto& c : commands()) std::fprintf(to, "  zelmor-cli %s\n", c.synopsis);
+    std::fprintf(to, "  zelmor-cli --version\n");
     std::fprintf(to, "'zelmor-cli COMMAND --help' tells more about a command.\n");
 }
 
@@ -126,6 +128,12 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName("Zelmor");
     std::ios::sync_with_stdio(false);
 
+    if (commandName == "--version") {
+        std::printf("zelmor-cli %s\n", zelmor::kVersion);
+        if (zelmor::cli::closeStandardOutput()) return 0;
+        std::fprintf(stderr, "zelmor-cli: cannot write to standard output\n");
+        return 1;
+    }
     if (commandName == "--help" || commandName == "-h") {
         generalUsage(stdout);
         if (zelmor::cli::closeStandardOutput()) return 0;

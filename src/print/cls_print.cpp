@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "core/values.h"
+#include "core/version.h"
 
 namespace zelmor {
 namespace {
@@ -15,8 +16,6 @@ namespace {
 // The maker's telephone number on the program line of the head.
 constexpr const char* kMakerPhone = "03-0000000";
 // The three numbers of the build's version record.
-constexpr int kVersionMajor = 16;
-constexpr int kVersionMinor = 1;
 
 constexpr double kTwipsPerInch = 1440;
 constexpr double kColumnTwips = 120;
@@ -27,9 +26,7 @@ constexpr double kPrinterDpi = 300;
 
 }  // namespace
 
-QString VersionCaptionShort() {
-    return QStringLiteral("V%1.%2").arg(kVersionMajor, 2, 10, QLatin1Char('0')).arg(kVersionMinor);
-}
+QString VersionCaptionShort() { return QString::fromLatin1(kVersionShort); }
 
 QString ClsPrint::printFamily(QString* warning) {
     const QStringList families = QFontDatabase::families();
