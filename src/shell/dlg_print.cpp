@@ -16,6 +16,7 @@
 #include <QPrinterInfo>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "print/print_target.h"
 #include "shell/messages.h"
@@ -128,7 +129,12 @@ PrintDialog::PrintDialog(PrintSession session, PrintSetup setup, QWidget* parent
     groups->addWidget(framePrinter);
     groups->addWidget(frameRange);
     auto* buttons = new QVBoxLayout;
-    for (QPushButton* b : {cmdPrint_, cmdPreview_, cmdCancel_}) buttons->addWidget(b);
+    int buttonWidth = 0;
+    for (QPushButton* b : {cmdPrint_, cmdPreview_, cmdCancel_}) buttonWidth = std::max(buttonWidth, b->sizeHint().width());
+    for (QPushButton* b : {cmdPrint_, cmdPreview_, cmdCancel_}) {
+        b->setMinimumWidth(buttonWidth + 16);  // one width, with room around the longest caption
+        buttons->addWidget(b);
+    }
     buttons->addStretch();
     auto* top = new QHBoxLayout(this);
     top->addLayout(groups, 1);

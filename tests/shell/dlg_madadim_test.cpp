@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -167,6 +168,17 @@ TEST_F(MadadimDialogTest, KeyboardTabReachesTheButtonAndEscCloses) {
     EXPECT_EQ(QApplication::focusWidget(), dialog_.grid());
     QTest::keyClick(dialog_.grid(), Qt::Key_Escape);
     EXPECT_FALSE(dialog_.isVisible());
+}
+
+// A picture for a person to look at (clipping, right to left), when
+// ZELMOR_DIALOG_SHOTS names a folder.
+TEST_F(MadadimDialogTest, Picture) {
+    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
+    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
+    QDir().mkpath(folder);
+    type(kNewMonth, QStringLiteral("106.2"));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog_));
+    ASSERT_TRUE(dialog_.grab().save(QDir(folder).filePath(QStringLiteral("madadim.png"))));
 }
 
 // The update replaces the table from a file:// address; a failure is named and

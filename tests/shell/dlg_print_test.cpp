@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
@@ -236,6 +237,21 @@ TEST_F(PrintDialogTest, KeyboardReachesEveryControlAndEscCancels) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(d.result(), QDialog::Rejected);
     EXPECT_FALSE(d.isVisible());
+}
+
+// A picture for a person to look at (clipping, right to left), when
+// ZELMOR_DIALOG_SHOTS names a folder.
+TEST_F(PrintDialogTest, Picture) {
+    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
+    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
+    QDir().mkpath(folder);
+    PrintDialog d(session(true), setup());
+    d.setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
+    d.setCurrentPrinter(QStringLiteral("Office"));
+    d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);
+    d.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&d));
+    ASSERT_TRUE(d.grab().save(QDir(folder).filePath(QStringLiteral("print.png"))));
 }
 
 }  // namespace
