@@ -25,6 +25,7 @@ namespace zelmor::shell {
 namespace {
 
 const QString kPrintErrorTitle = QStringLiteral("שגיאת הדפסה");
+const QString kCannotWritePdf = QStringLiteral("לא ניתן לכתוב את קובץ ה-PDF\n");
 
 // The jobs of a preview all go to the one preview printer: a preview keeps only
 // what was painted since its painter last began, so the painter stays open
@@ -220,6 +221,14 @@ void PrintDialog::print() {
     const QString path = chooseFile_ ? chooseFile_(this) : QString();
     if (path.isEmpty()) return;  // the user gave up choosing: the dialog stays
     PdfFileTarget target(path);
+    QString error;
+    // A place that can't take the file is named before anything is printed,
+    // and another place may do: the dialog stays open.
+    auto cannotWrite = [&] { showMessage(this, MsgIcon::Stop, kPrintErrorTitle, kCannotWritePdf + error); };
+    if (!target.open(&error)) {
+        cannotWrite();
+        return;
+    }
     // The file is written only when every job printed; a job that could not
     // print has told the user why.
     if (static_cast<std::size_t>(runPrintJobs(target, setup_, what, session_)) < jobs) {
@@ -227,10 +236,8 @@ void PrintDialog::print() {
         accept();
         return;
     }
-    QString error;
     if (!target.finish(&error)) {
-        // Another place may do: the dialog stays open.
-        showMessage(this, MsgIcon::Stop, kPrintErrorTitle, error);
+        cannotWrite();
         return;
     }
     accept();

@@ -154,6 +154,18 @@ TEST_F(PrintDialogTest, ChoosingNoFileOrNothingToPrintWritesNothing) {
     gaveUp->print();
     EXPECT_TRUE(gaveUp->isVisible());  // the user may choose again
 
+    // A place that can't be written is named; the dialog stays for another.
+    const QString nowhere = dir_.filePath(QStringLiteral("no-such-folder/out.pdf"));
+    auto badPlace = pdfDialog({.details = true}, nowhere);
+    badPlace->show();
+    badPlace->print();
+    ASSERT_EQ(messages_.shown.size(), 1u);
+    EXPECT_EQ(messages_.shown[0].icon, MsgIcon::Stop);
+    EXPECT_TRUE(messages_.shown[0].text.contains(nowhere)) << messages_.lastText().toStdString();
+    EXPECT_TRUE(badPlace->isVisible());
+    EXPECT_FALSE(QFile::exists(nowhere));
+    messages_.shown.clear();
+
     int asked = 0;
     auto nothing = pdfDialog({}, path);
     nothing->setFileChooser([&](QWidget*) { return ++asked, path; });
