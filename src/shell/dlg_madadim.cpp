@@ -126,22 +126,21 @@ private:
         rows_.push_back(next);
     }
 
-    // A value was written: the row of a new month became one of the table's,
-    // and a new month follows it.
+    // A value was written. When it was the new month's, that row became one of
+    // the table's and the month after it follows.
     void afterWrite() {
-        const int before = rowCount();
-        const std::size_t realBefore = static_cast<std::size_t>(realRows_);
-        if (table_.rows().size() == realBefore + 1) {
-            beginInsertRows({}, before, before);
+        const std::size_t now = table_.rows().size(), before = static_cast<std::size_t>(realRows_);
+        if (now == before + 1) {
+            beginInsertRows({}, rowCount(), rowCount());
             load();
             endInsertRows();
+        } else if (now != before) {  // changed in some other way as well: read afresh
+            beginResetModel();
+            load();
+            endResetModel();
+            return;
         } else {
             load();
-            if (rowCount() != before) {  // changed in some other way: read afresh
-                beginResetModel();
-                endResetModel();
-                return;
-            }
         }
         emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
     }
