@@ -1,0 +1,270 @@
+// The print dialog: the printer list and its PDF entry, the message when
+// nothing is chosen, the jobs of the choices against the command-line tool, the
+// page on show in either mode, and the preview.
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QProcess>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include "engine/calc.h"
+#include "print/pdf_text.h"
+#include "report/report_json.h"
+#include "shell/dlg_print.h"
+#include "shell/messages.h"
+#include "tables/madad_table.h"
+
+namespace zelmor::shell {
+namespace {
+
+const QString kReportPath = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/single.json");
+const QString kCli = QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli");
+
+NishumInput readReport(const QString& path) {
+    QFile f(path);
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
+    return parseReportDocument(f.readAll().toStdString());
+}
+
+class PrintDialogTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir_.isValid());
+        QFile name(dir_.filePath(QStringLiteral("USERZELW.NAM")));
+        ASSERT_TRUE(name.open(QIODevice::WriteOnly));
+        name.write("משרד רואי חשבון\n");
+        name.close();
+        ASSERT_TRUE(table_.ok()) << table_.errorString().toStdString();
+    }
+
+    PrintSession session(bool editMode) {
+        return {&report_, &out_, SectionId::Yegia, SheetId::CHishuv, editMode, [this](NishumOutput& o) {
+                    o = CalcDoch(report_, ConstDoch(), table_, today_).out;
+                    return true;
+                }};
+    }
+    PrintSetup setup() const { return {dir_.path(), today_, {}}; }
+
+    // A dialog with no printer of the system, the PDF entry chosen and the
+    // file chooser answering `path`.
+    std::unique_ptr<PrintDialog> pdfDialog(const PrintChoices& c, const QString& path, bool editMode = true) {
+        auto d = std::make_unique<PrintDialog>(session(editMode), setup());
+        d->setPrinters({});
+        d->findChild<QComboBox*>(QStringLiteral("cmbPrinters"))->setCurrentText(PrintDialog::pdfEntryText());
+        d->setFileChooser([path](QWidget*) { return path; });
+        d->findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(c.details);
+        d->findChild<QCheckBox*>(QStringLiteral("chkBL"))->setChecked(c.bl);
+        d->findChild<QCheckBox*>(QStringLiteral("chkCurrPage"))->setChecked(c.currPage);
+        d->findChild<QCheckBox*>(QStringLiteral("chkCalc"))->setChecked(c.calc);
+        return d;
+    }
+
+    QStringList cliPages(const QStringList& flags, const QString& path) {
+        QProcess p;
+        p.start(kCli, QStringList{QStringLiteral("print"), kReportPath, QStringLiteral("--pdf"), path,
+                                  QStringLiteral("--today"), QStringLiteral("2016-05-10"), QStringLiteral("--data-dir"),
+                                  dir_.path()} +
+                          flags);
+        EXPECT_TRUE(p.waitForFinished(60000));
+        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        return test::pdfPages(path);
+    }
+
+    QTemporaryDir dir_;
+    MadadTable table_{dir_.path()};
+    Date today_ = *Date::fromYmd(2016, 5, 10);
+    NishumInput report_ = readReport(kReportPath);
+    NishumOutput out_;
+    MessageRecorder messages_;
+};
+
+TEST_F(PrintDialogTest, ThePdfEntryComesLastAndIsNeverChosenForTheUser) {
+    PrintDialog d(session(true), setup());
+    auto* list = d.findChild<QComboBox*>(QStringLiteral("cmbPrinters"));
+    d.setPrinters({QStringLiteral("Office"), QStringLiteral("Upstairs")});
+    EXPECT_EQ(list->count(), 3);
+    EXPECT_EQ(list->itemText(2), PrintDialog::pdfEntryText());
+    EXPECT_EQ(list->currentIndex(), -1);
+
+    d.setCurrentPrinter(QStringLiteral("Upstairs"));
+    EXPECT_EQ(list->currentText(), "Upstairs");
+    // The last choice was a file, or a printer that has gone: nothing is chosen.
+    for (const QString& name : {PrintDialog::pdfEntryText(), QStringLiteral("Gone")}) {
+        d.setCurrentPrinter(name);
+        EXPECT_EQ(list->currentIndex(), -1) << name.toStdString();
+    }
+}
+
+TEST_F(PrintDialogTest, NothingChosenGivesTheMessageAndTheDialogStays) {
+    const QString path = dir_.filePath(QStringLiteral("never.pdf"));
+    auto d = pdfDialog({.details = true}, path);
+    d->findChild<QComboBox*>(QStringLiteral("cmbPrinters"))->setCurrentIndex(-1);
+    d->show();
+    ASSERT_NE(d->focusWidget(), nullptr);
+    QTest::keyClick(d->focusWidget(), Qt::Key_Return);  // the default button: "הדפס"
+    ASSERT_EQ(messages_.shown.size(), 1u);
+    EXPECT_EQ(messages_.shown[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(messages_.shown[0].title, "הדפסה");
+    EXPECT_EQ(messages_.shown[0].text, "לא נבחרה מדפסת, בחר מדפסת מהרשימה");
+    EXPECT_TRUE(d->isVisible());
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+// The dialog writes what the command-line tool writes for the same report,
+// date and parts; results and national insurance together print the results only.
+TEST_F(PrintDialogTest, PdfFileAsTheCommandLineToolWritesIt) {
+    if (!QFile::exists(kCli)) GTEST_SKIP() << "zelmor-cli is not built";
+    const struct {
+        PrintChoices choices;
+        QStringList flags;
+    } cases[] = {
+        {{.details = true}, {QStringLiteral("--report")}},
+        {{.bl = true}, {QStringLiteral("--bl")}},
+        {{.details = true, .calc = true}, {QStringLiteral("--report"), QStringLiteral("--results")}},
+        {{.bl = true, .calc = true}, {QStringLiteral("--results")}},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.flags.join(QLatin1Char(' ')).toStdString() + (c.choices.bl ? " (bl checked)" : ""));
+        const QString mine = dir_.filePath(QStringLiteral("dialog%1.pdf").arg(++n));
+        auto d = pdfDialog(c.choices, mine);
+        d->print();
+        EXPECT_EQ(d->result(), QDialog::Accepted);
+        ASSERT_TRUE(QFile::exists(mine));
+        const QStringList pages = test::pdfPages(mine);
+        EXPECT_EQ(pages, cliPages(c.flags, dir_.filePath(QStringLiteral("cli%1.pdf").arg(n))));
+        EXPECT_EQ(test::anyPageHas(pages, QStringLiteral("משרד רואי חשבון")), true);
+    }
+    EXPECT_TRUE(messages_.shown.empty()) << messages_.lastText().toStdString();
+}
+
+TEST_F(PrintDialogTest, ChoosingNoFileOrNothingToPrintWritesNothing) {
+    const QString path = dir_.filePath(QStringLiteral("none.pdf"));
+    auto gaveUp = pdfDialog({.details = true}, QString());
+    gaveUp->show();
+    gaveUp->print();
+    EXPECT_TRUE(gaveUp->isVisible());  // the user may choose again
+
+    // A place that can't be written is named; the dialog stays for another.
+    const QString nowhere = dir_.filePath(QStringLiteral("no-such-folder/out.pdf"));
+    auto badPlace = pdfDialog({.details = true}, nowhere);
+    badPlace->show();
+    badPlace->print();
+    ASSERT_EQ(messages_.shown.size(), 1u);
+    EXPECT_EQ(messages_.shown[0].icon, MsgIcon::Stop);
+    EXPECT_TRUE(messages_.shown[0].text.contains(nowhere)) << messages_.lastText().toStdString();
+    EXPECT_TRUE(badPlace->isVisible());
+    EXPECT_FALSE(QFile::exists(nowhere));
+    messages_.shown.clear();
+
+    int asked = 0;
+    auto nothing = pdfDialog({}, path);
+    nothing->setFileChooser([&](QWidget*) { return ++asked, path; });
+    nothing->print();
+    EXPECT_EQ(nothing->result(), QDialog::Accepted);
+    EXPECT_EQ(asked, 0);
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_TRUE(messages_.shown.empty());
+}
+
+// "עמוד נוכחי" prints the section on show while editing and the sheet on show
+// while the results are on screen.
+TEST_F(PrintDialogTest, CurrentPageIsTheSectionOrTheSheetOnShow) {
+    out_ = CalcDoch(report_, ConstDoch(), table_, today_).out;
+    for (bool editMode : {true, false}) {
+        SCOPED_TRACE(editMode ? "edit mode" : "result mode");
+        const QString mine = dir_.filePath(editMode ? QStringLiteral("page-edit.pdf") : QStringLiteral("page-result.pdf"));
+        auto d = pdfDialog({.currPage = true}, mine, editMode);
+        d->print();
+        ASSERT_TRUE(QFile::exists(mine));
+
+        const QString direct = dir_.filePath(QStringLiteral("direct.pdf"));
+        PdfFileTarget target(direct);
+        if (editMode)
+            PrintNishum(target, setup(), report_, true, SectionId::Yegia);
+        else
+            PrintNishum(target, setup(), report_, out_, true, false, SheetId::CHishuv);
+        ASSERT_TRUE(target.finish(nullptr));
+        EXPECT_EQ(test::pdfPages(mine), test::pdfPages(direct));
+    }
+}
+
+TEST_F(PrintDialogTest, APrinterThatCannotBeUsedIsReported) {
+    PrintDialog d(session(true), setup());
+    d.setPrinters({QStringLiteral("zelmor-test-no-such-printer")});
+    d.setCurrentPrinter(QStringLiteral("zelmor-test-no-such-printer"));
+    d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);
+    d.print();
+    ASSERT_EQ(messages_.shown.size(), 1u);
+    EXPECT_EQ(messages_.shown[0].icon, MsgIcon::Stop);
+    EXPECT_EQ(messages_.shown[0].title, "שגיאת הדפסה");
+    EXPECT_TRUE(messages_.shown[0].text.startsWith("לא נמצאה מדפסת,")) << messages_.lastText().toStdString();
+    EXPECT_EQ(d.result(), QDialog::Accepted);
+    EXPECT_EQ(d.chosenPrinter(), "zelmor-test-no-such-printer");
+}
+
+TEST_F(PrintDialogTest, PreviewShowsThePagesOfThePrint) {
+    const QString mine = dir_.filePath(QStringLiteral("preview.pdf"));
+    auto d = pdfDialog({.details = true, .calc = true}, mine);
+    auto* preview = d->findChild<QPushButton*>(QStringLiteral("cmdPreview"));
+    EXPECT_TRUE(preview->isEnabled());
+    int previewPages = -1;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<QPrintPreviewDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
+        dialog->reject();
+    });
+    preview->click();
+    d->print();
+    EXPECT_EQ(previewPages, test::pdfPages(mine).size());
+
+    d->findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(false);
+    d->findChild<QCheckBox*>(QStringLiteral("chkCalc"))->setChecked(false);
+    EXPECT_FALSE(preview->isEnabled());  // nothing to show
+}
+
+TEST_F(PrintDialogTest, KeyboardReachesEveryControlAndEscCancels) {
+    PrintDialog d(session(true), setup());
+    d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);  // the preview has something to show
+    d.show();
+    QApplication::setActiveWindow(&d);
+    ASSERT_NE(d.focusWidget(), nullptr);
+    QStringList order{d.focusWidget()->objectName()};
+    for (int i = 0; i < 7; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        order << QApplication::focusWidget()->objectName();
+    }
+    EXPECT_EQ(order, (QStringList{"cmdPrint", "cmdPreview", "cmdCancel", "cmbPrinters", "chkDetails", "chkBL",
+                                  "chkCurrPage", "chkCalc"}));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(d.result(), QDialog::Rejected);
+    EXPECT_FALSE(d.isVisible());
+}
+
+// A picture for a person to look at (clipping, right to left), when
+// ZELMOR_DIALOG_SHOTS names a folder.
+TEST_F(PrintDialogTest, Picture) {
+    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
+    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
+    QDir().mkpath(folder);
+    PrintDialog d(session(true), setup());
+    d.setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
+    d.setCurrentPrinter(QStringLiteral("Office"));
+    d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);
+    d.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&d));
+    ASSERT_TRUE(d.grab().save(QDir(folder).filePath(QStringLiteral("print.png"))));
+}
+
+}  // namespace
+}  // namespace zelmor::shell
