@@ -21,8 +21,7 @@ int runUpdateTables(const Options& o) {
     const auto table = std::make_unique<MadadTable>(QString::fromStdString(dataDir));
     if (!table->ok())
         std::cerr << "zelmor-cli update-tables: the price index table in use cannot be read: "
-                  << table->errorString().toStdString() << '
-';
+                  << table->errorString().toStdString() << '\n';
     const QString address = o.has("--url") ? QString::fromStdString(o.value("--url"))
                                            : QSettings().value(QStringLiteral("tables/updateAddress")).toString();
     QString message;
