@@ -7,6 +7,7 @@
 #include <array>
 
 #include "engine/calc.h"
+#include "engine/tracer.h"
 
 namespace zelmor::engine {
 
@@ -84,7 +85,7 @@ struct Person {
 class Calculation {
 public:
     Calculation(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
-    CalcResult run();  // CalcDoch
+    CalcResult run(trace::Trace* sink = nullptr);  // CalcDoch
 
 private:
     // Driver and filing modes.
@@ -94,7 +95,8 @@ private:
     void CalcOneMode();
     void CalcPersonF();
     void ClearCalcState();
-    Amount taxDue() const { return out.Main.MasMagiaF + out.Main.MasMagiaM; }
+    TA taxDue() const { return t(out.Main.MasMagiaF) + t(out.Main.MasMagiaM); }
+    void explainMode(const char* rule, std::initializer_list<int> compared);
 
     // Income assembly and loss relief.
     void MergeYegia();
@@ -107,7 +109,10 @@ private:
     void TotalIncome(Person& p);
     void ShiftToRegular(Person& p);
     void Offset(Person& p);
-    Amount OffsetChainStep(Amount line);
+    void OffsetChainStep(Amount& net, const Amount& line);
+    void moveInto(Amount& to, Amount& from);
+    TA yegiaTotal(const char* total) const;
+    TA clamp(TA v, TA hi) const;
     void OffsetChain(Person& p);
 
     // Deductions.
@@ -178,6 +183,7 @@ private:
     NishumOutput out;
     Person pM, pF;
     bool compared = false;
+    Tracer t;  // records the explanation when the run has a sink
 };
 
 // Interest and linkage of a balance to a date.

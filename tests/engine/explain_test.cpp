@@ -1,0 +1,113 @@
+// The explanation of a calculation: recorded from the computing code, it must
+// add up to the very figures the sheets show, and end in the report's lines,
+// the year's constants, the price index and today.
+
+#include <iostream>
+#include <set>
+
+#include "engine/calc_test_util.h"
+#include "engine/trace.h"
+#include "results/sheet_rows.h"
+#include "support/report_generator.h"
+
+namespace zelmor::testing {
+namespace {
+
+using trace::Op;
+
+// Cells whose whole derivation is recorded: no figure in their tree is untraced.
+const char* const kFullyTraced[] = {
+    "CMain.HachnasotM", "CMain.HachnasotF", "CMain.NikuimM",     "CMain.NikuimF",      "CMain.HachnasaNetM",
+    "CMain.HachnasaNetF", "CMain.MasRagilM", "CMain.MasRagilF",  "CMain.MasMeyuchadM", "CMain.MasMeyuchadF",
+    "CMain.MasBrutoM",  "CMain.MasBrutoF",  "CMain.TashlumimM",  "CMain.TashlumimF",
+};
+
+// The nodes under a node (itself included), each once.
+std::set<int> below(const trace::Trace& t, int i) {
+    std::set<int> seen;
+    std::vector<int> todo{i};
+    while (!todo.empty()) {
+        const int n = todo.back();
+        todo.pop_back();
+        if (!seen.insert(n).second) continue;
+        for (int k : t.at(n).kids) todo.push_back(k);
+    }
+    return seen;
+}
+
+// Leaves under a node that are not explained.
+void untraced(const trace::Trace& t, int i, std::set<std::string>& out) {
+    for (int n : below(t, i))
+        if (t.at(n).op == Op::Untraced) out.insert(t.at(n).source.empty() ? "?" : t.at(n).source);
+}
+
+
+
+TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
+    ReportGenerator gen(20160101);
+    const FixedMadad flat;
+    const ConstDoch c;
+    int modes[5] = {};
+    std::set<std::string> missing;
+    for (int i = 0; i < 2000; ++i) {
+        const NishumInput n = gen.next();
+        CalcResult plain;
+        try {
+            plain = CalcDoch(n, c, flat, ymd(2016, 6, 30));
+        } catch (const OverflowError&) {
+            continue;
+        }
+        trace::Trace t;
+        const CalcResult r = CalcDoch(n, c, flat, ymd(2016, 6, 30), &t);
+        SCOPED_TRACE("report " + n.Pratim.IDM + ", mode " + std::to_string(r.FilingMode));
+        ++modes[r.FilingMode];
+        ASSERT_EQ(r.FilingMode, plain.FilingMode);
+        // Recording changes nothing the calculation computes.
+        for (const SheetFieldDef& f : allSheetFields()) {
+            const SheetId id = f.sheet;
+            ASSERT_EQ(sheetValue(r.out, id, f.name), sheetValue(plain.out, id, f.name)) << f.sheetName << "." << f.name;
+        }
+        // Every figure recorded, worked out again from its leaves, is the figure computed.
+        const std::vector<double> again = trace::evaluateAll(t);
+        for (std::size_t k = 0; k < t.nodes.size(); ++k) {
+            const trace::Node& n = t.nodes[k];
+            ASSERT_EQ(again[k], n.value) << "node " << k << " " << n.name << " " << n.source;
+            if (n.kids.empty()) {
+                ASSERT_TRUE(n.leaf() && !n.source.empty()) << "node " << k;
+            }
+            if (n.op == Op::Untraced) missing.insert(n.source.empty() ? "?" : n.source);
+        }
+        for (const auto& [cell, node] : t.cells) {
+            const auto dot = cell.find('.');
+            const SheetFieldDef* f = findSheetField(cell.substr(0, dot), cell.substr(dot + 1));
+            ASSERT_NE(f, nullptr) << cell;
+            ASSERT_EQ(again[static_cast<std::size_t>(node)], sheetValue(r.out, f->sheet, f->name)) << cell;
+        }
+        for (const char* cell : kFullyTraced) {
+            const int node = t.cell(cell);
+            ASSERT_GE(node, 0) << cell;
+            std::set<std::string> open;
+            untraced(t, node, open);
+            ASSERT_TRUE(open.empty()) << cell << " rests on " << *open.begin();
+        }
+        // The filing mode is explained by the figures compared.
+        ASSERT_GE(t.filing, 0);
+        EXPECT_EQ(t.at(t.filing).value, r.FilingMode);
+        EXPECT_FALSE(t.at(t.filing).kids.empty());
+        if (r.compared) {
+            const auto& kids = t.at(t.filing).kids;
+            ASSERT_EQ(kids.size(), 2u);
+            std::set<double> sums{t.at(kids[0]).value, t.at(kids[1]).value};
+            EXPECT_EQ(sums, (std::set<double>{static_cast<double>(r.MasMeuchad.value()), static_cast<double>(r.MasNifrad.value())}));
+            for (int k : kids) EXPECT_EQ(trace::evaluate(t, k), t.at(k).value);
+        }
+    }
+    for (int m = 0; m < 5; ++m) EXPECT_GT(modes[m], 20) << "mode " << m;
+    std::string list;
+    for (const auto& s : missing) list += s + " ";
+    RecordProperty("untraced", list);
+    std::cout << "untraced sources: " << list << "\n";
+}
+
+}  // namespace
+}  // namespace zelmor::testing
