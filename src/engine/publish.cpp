@@ -278,8 +278,8 @@ void Calculation::PublishZikuim() {
     auto line = [&](char who, Amount& sum, Amount& paidCell, TA paid, Amount& rateCell, TA rate, Amount& base,
                     Amount& credit) {
         t.who(who);
-        t.set(paidCell, "", paid);
-        t.set(rateCell, "", rate);
+        t.set(paidCell, "סכום ששולם", paid);
+        t.set(rateCell, "שיעור הזיכוי", rate);
         t.set(credit, "זיכוי", R(t.percent(t(rateCell)) * t(base)));
         t.set(sum, sumName, t(sum) + t(credit));
     };
@@ -350,8 +350,10 @@ void Calculation::PublishMain() {
     t.set(m.HetelM, "היטל", t.k("HETEL", PhasedLevy(0, 0)));
     t.set(m.MasBrutoM, "", t(m.MasRagilM) + t(m.MasMeyuchadM) + t(m.HetelM));
     t.set(m.ZikuimM, "זיכויים ממס", t(st.M.ZikuimSum));
+    t.set(m.MasMagiaM, taxDueName, t(m.MasBrutoM) - t(m.ZikuimM));
     const TA untouched = t(me.MAS_222) + t(me.MAS_225) + t(me.MAS_227);
-    t.set(m.MasMagiaM, taxDueName, MaxLong(t(m.MasBrutoM) - t(m.ZikuimM), untouched));
+    if (m.MasMagiaM < untouched.v)
+        t.set(m.MasMagiaM, taxDueName, MaxLong(t(m.MasMagiaM), t.name("מס על שכר דירה, שכר דירה מחו\"ל והימורים", untouched)));
     t.who('F');
     t.set(m.HachnasotF, "", t(out.Hachnasot.TTLF));
     t.set(m.NikuimF, "", t(out.Nikuim.TTLF3));
@@ -361,7 +363,8 @@ void Calculation::PublishMain() {
     t.set(m.HetelF, "היטל", t.k("HETEL", PhasedLevy(0, 0)));
     t.set(m.MasBrutoF, "", t(m.MasRagilF) + t(m.MasMeyuchadF) + t(m.HetelF));
     t.set(m.ZikuimF, "זיכויים ממס", t(st.F.ZikuimSum));
-    t.set(m.MasMagiaF, taxDueName, MaxLong(t(m.MasBrutoF) - t(m.ZikuimF), t.zero()));
+    t.set(m.MasMagiaF, taxDueName, t(m.MasBrutoF) - t(m.ZikuimF));
+    if (m.MasMagiaF < 0) t.set(m.MasMagiaF, taxDueName, MaxLong(t(m.MasMagiaF), t.zero()));
 
     const char* lost = "זיכויים שלא נוצלו";
     const char* credits = "סה\"כ זיכויים";

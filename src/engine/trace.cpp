@@ -219,11 +219,23 @@ int Recorder::decision(const char* name, double value, std::initializer_list<int
     return add(std::move(n));
 }
 
+int Recorder::name(int node, const char* name) {
+    Node copy;
+    copy.op = Op::Copy;
+    copy.value = t_.at(node).value;
+    copy.name = name;
+    copy.spouse = spouse;
+    copy.kids = {node};
+    return add(std::move(copy));
+}
+
 void Recorder::bind(const void* addr, int node, const char* name) {
     std::string source, caption = name;
     if (const auto c = cells_.find(addr); c != cells_.end()) {
         source = std::string(c->second->sheetName) + "." + c->second->name;
-        if (const auto cap = captions_.find(source); cap != captions_.end()) caption = cap->second;
+        // The sheet's caption names the cell; the rule's own word tells the cells of one row apart.
+        if (const auto cap = captions_.find(source); cap != captions_.end())
+            caption = caption.empty() || caption == cap->second ? cap->second : cap->second + " — " + caption;
     }
     Node& n = t_.nodes[static_cast<std::size_t>(node)];
     int bound = node;

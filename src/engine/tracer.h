@@ -45,6 +45,7 @@ public:
     int op(trace::Op op, double value, int a, int b = -1);
     int decision(const char* name, double value, std::initializer_list<int> kids);
     void bind(const void* addr, int node, const char* name);
+    int name(int node, const char* name);
     void decided(int node) { t_.filing = node; }
 
     char spouse = 0;
@@ -158,6 +159,11 @@ public:
     void set(double& dst, const char* name, TD x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
+    }
+    // A figure of a rule that is kept nowhere, under its name.
+    TA name(const char* name, TA x) const {
+        if (x.n >= 0) x.n = rec->name(x.n, name);
+        return x;
     }
     // The figure is moved elsewhere and becomes 0.
     void moved(Amount& dst, const char* name) const {
