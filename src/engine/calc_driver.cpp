@@ -59,7 +59,7 @@ Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLo
 
 CalcResult Calculation::run(trace::Trace* sink) {
     if (sink) {
-        Recorder rec(*sink);
+        Recorder rec(*sink, this, sizeof *this);
         rec.mapReport(report, Yegia, Rechush, Nikuim, Zikuim);
         rec.mapSheets(out);
         rec.keep(&filing, &filing + 1);
@@ -145,8 +145,7 @@ void Calculation::CalcDoch() {
 // The filing-mode decision with the figures it compared.
 void Calculation::explainMode(const char* rule, std::initializer_list<int> compared) {
     if (!t.rec) return;
-    const std::string name = std::string(ModeTitle(filing.FilingMode)) + " — " + rule;
-    t.rec->decided(t.rec->decision(name.c_str(), filing.FilingMode, compared));
+    t.rec->decided(t.rec->decision(ModeTitle(filing.FilingMode), rule, filing.FilingMode, compared));
 }
 
 // Incomes without a dependence in their source: separate, or joint when cheaper.

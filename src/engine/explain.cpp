@@ -18,15 +18,16 @@ std::string grouped(long long whole) {
 
 const char* spouseWord(char s) { return s == 'F' ? "בן הזוג" : s == 'M' ? "הנישום" : ""; }
 
-bool anonymous(const Node& n) { return !n.leaf() && n.name.empty() && n.source.empty(); }
+bool anonymous(const Node& n) { return !n.leaf() && !n.named(); }
 
 // What a figure is called in a formula: its name, a leaf's source, or the
 // formula of a step that has no name of its own.
 std::string label(const Trace& t, int i);
 
-std::string formula(const Trace& t, const Node& n, bool numbers) {
+std::string formula(const Trace& t, int i, bool numbers) {
+    const Node& n = t.at(i);
     std::vector<std::string> parts;
-    for (int k : n.kids) {
+    for (int k : t.kids(i)) {
         const Node& kid = t.at(k);
         if (!numbers)
             parts.push_back(label(t, k));
@@ -57,25 +58,25 @@ std::string formula(const Trace& t, const Node& n, bool numbers) {
 
 std::string leafLabel(const Node& n) {
     switch (n.op) {
-        case Op::Line: return n.name + " [" + n.source + "]";
-        case Op::Constant: return n.source == "0" ? "0" : "קבוע " + n.source;
-        case Op::Madad: return "מדד " + n.source;
+        case Op::Line: return std::string(n.caption) + " [" + std::string(n.source) + "]";
+        case Op::Constant: return n.source == "0" ? "0" : "קבוע " + std::string(n.source);
+        case Op::Madad: return "מדד " + std::string(n.source);
         case Op::Today: return "היום";
-        default: return n.source.empty() ? "(לא מוסבר)" : n.source + " (לא מוסבר)";
+        default: return n.source.empty() ? "(לא מוסבר)" : std::string(n.source) + " (לא מוסבר)";
     }
 }
 
 std::string label(const Trace& t, int i) {
     const Node& n = t.at(i);
     if (n.leaf()) return leafLabel(n);
-    if (!n.name.empty()) return n.name;
-    if (!n.source.empty()) return n.source;
-    return "(" + formula(t, n, false) + ")";
+    if (!n.caption.empty() || !n.rule.empty()) return t.name(i);
+    if (!n.source.empty()) return std::string(n.source);
+    return "(" + formula(t, i, false) + ")";
 }
 
 // The named figures and leaves a node is made of, through its unnamed steps.
 void operands(const Trace& t, int i, std::vector<int>& out) {
-    for (int k : t.at(i).kids) {
+    for (int k : t.kids(i)) {
         const Node& n = t.at(k);
         if (anonymous(n))
             operands(t, k, out);
@@ -87,7 +88,7 @@ void operands(const Trace& t, int i, std::vector<int>& out) {
 void textTree(const Trace& t, int i, int level, int depth, std::set<int>& shown, std::string& out) {
     out += std::string(static_cast<std::size_t>(2 * level), ' ') + formulaLine(t, i);
     const Node& n = t.at(i);
-    if (!n.kids.empty() && !shown.insert(i).second) {
+    if (n.count && !shown.insert(i).second) {
         out += " (ראו לעיל)\n";
         return;
     }
@@ -105,16 +106,17 @@ void jsonTree(const Trace& t, int i, int level, int depth, std::set<int>& shown,
     w.key("name").string(n.leaf() ? leafLabel(n) : label(t, i));
     w.key("op").string(opKey(n.op));
     if (!n.source.empty()) w.key("source").string(n.source);
+    if (n.op == Op::Decision) w.key("rule").string(n.rule);
     w.key("value").number(n.value);
     w.key("run").integer(n.run);
     if (n.spouse) w.key("spouse").string(std::string(1, n.spouse));
     if (!n.leaf()) {
-        w.key("formula").string(formula(t, n, false));
-        w.key("numbers").string(formula(t, n, true));
+        w.key("formula").string(formula(t, i, false));
+        w.key("numbers").string(formula(t, i, true));
     }
-    const bool again = !n.kids.empty() && !shown.insert(i).second;
+    const bool again = n.count && !shown.insert(i).second;
     if (again) w.key("seenAbove").boolean(true);
-    if (!again && !n.kids.empty() && !(depth && level + 1 >= depth)) {
+    if (!again && n.count && !(depth && level + 1 >= depth)) {
         std::vector<int> kids;
         operands(t, i, kids);
         w.key("children").beginArray();
@@ -142,10 +144,10 @@ std::string formulaLine(const Trace& t, int i) {
     const Node& n = t.at(i);
     std::string line = n.leaf() ? leafLabel(n) : label(t, i);
     if (n.spouse && !n.leaf()) line += std::string(" (") + spouseWord(n.spouse) + ")";
-    if (n.op == Op::Decision) return line + " = " + formula(t, n, false);
+    if (n.op == Op::Decision) return line + " = " + formula(t, i, false);
     if (!n.leaf()) {
-        const std::string names = formula(t, n, false), numbers = formula(t, n, true);
-        if (n.name.empty() && n.source.empty()) return names + " = " + numbers + " = " + formatNumber(n.value);
+        const std::string names = formula(t, i, false), numbers = formula(t, i, true);
+        if (!n.named()) return names + " = " + numbers + " = " + formatNumber(n.value);
         line += " = " + names;
         if (numbers != names) line += " = " + numbers;
         if (n.op != Op::Copy || numbers != formatNumber(n.value)) line += " = " + formatNumber(n.value);

@@ -16,7 +16,8 @@ double evaluateOnce(const Trace& t, int i, std::vector<double>& memo, std::vecto
     const auto at = static_cast<std::size_t>(i);
     if (done[at]) return memo[at];
     const Node& n = t.at(i);
-    const auto kid = [&](std::size_t k) { return evaluateOnce(t, n.kids.at(k), memo, done); };
+    const auto kids = t.kids(i);
+    const auto kid = [&](std::size_t k) { return evaluateOnce(t, kids[k], memo, done); };
     double v = n.value;
     switch (n.op) {
         case Op::Line:
@@ -28,7 +29,7 @@ double evaluateOnce(const Trace& t, int i, std::vector<double>& memo, std::vecto
         case Op::Sum:
             // Left to right, as the calculation adds.
             v = kid(0);
-            for (std::size_t k = 1; k < n.kids.size(); ++k) v += kid(k);
+            for (std::size_t k = 1; k < kids.size(); ++k) v += kid(k);
             break;
         case Op::Difference: v = kid(0) - kid(1); break;
         case Op::Product: v = kid(0) * kid(1); break;
@@ -103,95 +104,161 @@ thread_local Recorder* tlRecorder = nullptr;
 using trace::Node;
 using trace::Op;
 
-Recorder::Recorder(trace::Trace& t) : t_(t) {
-    for (const SheetDef& s : allSheets())
-        for (const SheetRow& row : sheetRows(s.id))
-            for (const char* f : row.fields)
-                if (f && *row.screenCaption) captions_.emplace(std::string(s.name) + "." + f, row.screenCaption);
+namespace {
+
+// What the report's fields and the sheets' cells are called, by their place in
+// their record: worked out once.
+struct Catalogue {
+    struct Line {
+        const FieldDef* field;
+        std::string name, source;
+    };
+    struct Cell {
+        std::string source, caption;
+    };
+    std::unordered_map<std::ptrdiff_t, Line> lines;  // by byte offset in NishumInput
+    std::unordered_map<std::ptrdiff_t, Cell> cells;  // by byte offset in NishumOutput
+    std::unordered_map<std::string, std::string> captions;
+
+    Catalogue() {
+        static NishumInput in;
+        static NishumOutput out;
+        const auto at = [](const void* base, const void* p) {
+            return static_cast<const char*>(p) - static_cast<const char*>(base);
+        };
+        for (const FieldDef& f : allFields()) {
+            std::string name = *f.caption ? f.caption : f.name;
+            while (!name.empty() && (name.back() == ' ' || name.back() == ':')) name.pop_back();
+            if (*f.code) name += std::string(" (") + f.code + ")";
+            lines[at(&in, f.address(in))] = {&f, name, std::string(f.sectionName) + "." + f.name};
+        }
+        for (const SheetDef& s : allSheets())
+            for (const SheetRow& row : sheetRows(s.id))
+                for (const char* f : row.fields)
+                    if (f && *row.screenCaption) captions.emplace(std::string(s.name) + "." + f, row.screenCaption);
+        for (const SheetFieldDef& f : allSheetFields()) {
+            Cell c{std::string(f.sheetName) + "." + f.name, ""};
+            if (const auto cap = captions.find(c.source); cap != captions.end()) c.caption = cap->second;
+            cells[at(&out, f.address(out))] = std::move(c);
+        }
+    }
+};
+
+const Catalogue& catalogue() {
+    static const Catalogue c;
+    return c;
+}
+
+}  // namespace
+
+Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size)
+    : t_(t), calc_(static_cast<const char*>(calc)), calcSlots_(size / 4 + 1, -1) {
+    catalogue();
+    t_.cellNodes.assign(allSheetFields().size(), -1);
 }
 
 void Recorder::mapReport(const NishumInput& report, const sections::Yegia& y, const sections::Rechush& r,
                          const sections::Nikuim& n, const sections::Zikuim& z) {
-    for (const FieldDef& f : allFields()) {
-        const void* working = nullptr;
-        switch (f.section) {
-            case SectionId::Yegia: working = &y; break;
-            case SectionId::Rechush: working = &r; break;
-            case SectionId::Nikuim: working = &n; break;
-            case SectionId::Zikuim: working = &z; break;
-            default: break;
-        }
-        lines_[f.address(const_cast<NishumInput&>(report))] = &f;
-        if (working) lines_[f.inSection(const_cast<void*>(working))] = &f;
-    }
+    const auto base = [&](const void* section) { return static_cast<const char*>(section); };
+    report_ = base(&report);
+    reportSlots_.assign(sizeof(NishumInput) / 2 + 1, -1);
+    reportRanges_ = {{report_, sizeof(NishumInput), 0},
+                     {base(&y), sizeof y, base(&report.Yegia) - report_},
+                     {base(&r), sizeof r, base(&report.Rechush) - report_},
+                     {base(&n), sizeof n, base(&report.Nikuim) - report_},
+                     {base(&z), sizeof z, base(&report.Zikuim) - report_}};
 }
 
-void Recorder::mapSheets(NishumOutput& out) {
-    for (const SheetFieldDef& f : allSheetFields()) cells_[f.address(out)] = &f;
+void Recorder::keep(const void* begin, const void* end) {
+    keepBegin_ = static_cast<const char*>(begin);
+    keepEnd_ = static_cast<const char*>(end);
+}
+
+int* Recorder::slot(const void* addr) {
+    const auto p = static_cast<const char*>(addr);
+    if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
+    if (p >= report_ && p < report_ + reportSlots_.size() * 2)
+        return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
+    return nullptr;
+}
+
+void Recorder::clear(const char* begin, const char* end) {
+    for (const char* p = begin; p < end; p += 4)
+        if (int* s = slot(p)) *s = -1;
 }
 
 void Recorder::beginRun() {
     ++run_;
     t_.runs = run_;
-    live_.clear();
+    // Every figure of the calculation starts again, except those kept.
+    clear(calc_, keepBegin_);
+    clear(keepEnd_, calc_ + calcSlots_.size() * 4);
 }
 
 void Recorder::forget(const void* begin, const void* end) {
-    std::erase_if(live_, [&](const auto& e) { return e.first >= begin && e.first < end; });
+    clear(static_cast<const char*>(begin), static_cast<const char*>(end));
 }
 
 void Recorder::finish(NishumOutput& out) {
-    for (const SheetFieldDef& f : allSheetFields()) {
-        const auto it = live_.find(f.address(out));
-        if (it != live_.end()) t_.cells[std::string(f.sheetName) + "." + f.name] = it->second;
-    }
+    const auto fields = allSheetFields();
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (const int* s = slot(fields[i].address(out))) t_.cellNodes[i] = *s;
 }
 
-int Recorder::add(Node n) {
-    n.run = run_;
-    t_.nodes.push_back(std::move(n));
+const void* Recorder::lineAt(const void* addr) const {
+    const auto p = static_cast<const char*>(addr);
+    for (const Range& r : reportRanges_)
+        if (p >= r.begin && p < r.begin + r.size) {
+            const auto& lines = catalogue().lines;
+            const auto it = lines.find(p - r.begin + r.offset);
+            return it == lines.end() ? nullptr : &it->second;
+        }
+    return nullptr;
+}
+
+const void* Recorder::cellAt(const void* addr) const {
+    const auto p = static_cast<const char*>(addr);
+    if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
+    const auto& cells = catalogue().cells;
+    const auto it = cells.find(p - out_);
+    return it == cells.end() ? nullptr : &it->second;
+}
+
+int Recorder::add(const Node& n) {
+    t_.nodes.push_back(n);
+    t_.nodes.back().run = run_;
     return static_cast<int>(t_.nodes.size()) - 1;
 }
 
 int Recorder::nodeOf(const void* addr, double value) {
-    if (const auto it = live_.find(addr); it != live_.end()) return it->second;
-    if (const auto it = kept_.find(addr); it != kept_.end()) return it->second;
+    int* s = slot(addr);
+    if (s && *s >= 0) return *s;
     Node n;
     n.value = value;
-    if (const auto it = lines_.find(addr); it != lines_.end()) {
-        const FieldDef& f = *it->second;
+    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
         n.op = Op::Line;
-        n.name = *f.caption ? f.caption : f.name;
-        while (!n.name.empty() && (n.name.back() == ' ' || n.name.back() == ':')) n.name.pop_back();
-        if (*f.code) n.name += std::string(" (") + f.code + ")";
-        n.source = std::string(f.sectionName) + "." + f.name;
-        n.spouse = f.person == Person::M ? 'M' : f.person == Person::F ? 'F' : 0;
-    } else if (const auto c = cells_.find(addr); c != cells_.end()) {
-        n.op = Op::Untraced;
-        n.source = std::string(c->second->sheetName) + "." + c->second->name;
-    } else {
-        n.op = Op::Untraced;
+        n.caption = line->name;
+        n.source = line->source;
+        const Person who = line->field->person;
+        n.spouse = who == Person::M ? 'M' : who == Person::F ? 'F' : 0;
+    } else if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+        n.source = cell->source;
     }
-    if (n.op == Op::Untraced && value == 0) {
-        // A working figure or cell the run has not written holds the 0 it started from.
-        const int zero = constant("0", 0);
-        live_[addr] = zero;
-        return zero;
-    }
-    const int i = add(std::move(n));
-    live_[addr] = i;
+    // A working figure or cell the run has not written holds the 0 it started from.
+    const int i = n.op == Op::Untraced && value == 0 ? constant("0", 0) : add(n);
+    if (s) *s = i;
     return i;
 }
 
 int Recorder::constant(const char* name, double value) {
-    const std::string key = std::string(name) + "=" + std::to_string(value);
-    if (const auto it = constants_.find(key); it != constants_.end()) return it->second;
+    if (const auto it = constants_.find(name); it != constants_.end() && t_.at(it->second).value == value)
+        return it->second;
     Node n;
     n.op = Op::Constant;
     n.value = value;
     n.source = name;
-    const int i = add(std::move(n));
-    constants_[key] = i;
+    const int i = add(n);
+    constants_[name] = i;
     return i;
 }
 
@@ -200,68 +267,88 @@ int Recorder::op(Op o, double value, int a, int b) {
     n.op = o;
     n.value = value;
     n.spouse = spouse;
+    n.first = static_cast<int>(t_.kidPool.size());
     // A chain of sums reads as one sum: a + b + c, added left to right.
     const Node& left = t_.at(a);
-    if (o == Op::Sum && left.op == Op::Sum && left.name.empty() && left.source.empty())
-        n.kids = left.kids;
-    else
-        n.kids.push_back(a);
-    if (b >= 0) n.kids.push_back(b);
-    return add(std::move(n));
+    if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
+        for (int i = 0; i < left.count; ++i) t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
+    } else {
+        t_.kidPool.push_back(a);
+    }
+    if (b >= 0) t_.kidPool.push_back(b);
+    n.count = static_cast<int>(t_.kidPool.size()) - n.first;
+    return add(n);
 }
 
-int Recorder::decision(const char* name, double value, std::initializer_list<int> kids) {
+int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
     Node n;
     n.op = Op::Decision;
     n.value = value;
-    n.name = name;
-    n.kids.assign(kids.begin(), kids.end());
-    return add(std::move(n));
+    n.caption = title;
+    n.rule = rule;
+    n.first = static_cast<int>(t_.kidPool.size());
+    n.count = static_cast<int>(kids.size());
+    t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
+    return add(n);
 }
 
-int Recorder::name(int node, const char* name) {
+int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
     Node copy;
     copy.op = Op::Copy;
     copy.value = t_.at(node).value;
-    copy.name = name;
+    copy.caption = caption;
+    copy.rule = rule;
+    copy.source = source;
     copy.spouse = spouse;
-    copy.kids = {node};
-    return add(std::move(copy));
+    copy.first = static_cast<int>(t_.kidPool.size());
+    copy.count = 1;
+    t_.kidPool.push_back(node);
+    return add(copy);
 }
 
-void Recorder::bind(const void* addr, int node, const char* name) {
-    std::string source, caption = name;
-    if (const auto c = cells_.find(addr); c != cells_.end()) {
-        source = std::string(c->second->sheetName) + "." + c->second->name;
-        // The sheet's caption names the cell; the rule's own word tells the cells of one row apart.
-        if (const auto cap = captions_.find(source); cap != captions_.end())
-            caption = caption.empty() || caption == cap->second ? cap->second : cap->second + " — " + caption;
+int Recorder::name(int node, const char* rule) { return copyOf(node, {}, rule, {}); }
+
+void Recorder::bind(const void* addr, int node, const char* rule) {
+    std::string_view caption, source;
+    if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+        source = cell->source;
+        caption = cell->caption;
     }
-    Node& n = t_.nodes[static_cast<std::size_t>(node)];
     int bound = node;
+    Node& n = t_.nodes[static_cast<std::size_t>(node)];
     // A working figure taken over as it is is explained by what it holds; a
     // step of a formula takes the figure's name; a figure already named is
     // taken over by a new node.
-    if (caption.empty() && source.empty()) {
-    } else if (!n.leaf() && n.name.empty() && n.source.empty() && n.run == run_) {
-        n.name = caption;
+    if (!*rule && caption.empty() && source.empty()) {
+    } else if (!n.leaf() && !n.named() && n.run == run_) {
+        n.caption = caption;
+        n.rule = rule;
         n.source = source;
         n.spouse = spouse;
     } else {
-        Node copy;
-        copy.op = Op::Copy;
-        copy.value = n.value;
-        copy.name = caption;
-        copy.source = source;
-        copy.spouse = spouse;
-        copy.kids = {node};
-        bound = add(std::move(copy));
+        bound = copyOf(node, caption, rule, source);
     }
-    if (addr >= keepBegin_ && addr < keepEnd_)
-        kept_[addr] = bound;
-    else
-        live_[addr] = bound;
+    if (int* s = slot(addr)) *s = bound;
 }
 
 }  // namespace engine
+
+namespace trace {
+
+int Trace::cell(std::string_view id) const {
+    const auto dot = id.find('.');
+    if (dot == std::string_view::npos) return -1;
+    const SheetFieldDef* f = findSheetField(id.substr(0, dot), id.substr(dot + 1));
+    if (!f || cellNodes.empty()) return -1;
+    return cellNodes[static_cast<std::size_t>(f - allSheetFields().data())];
+}
+
+std::string Trace::name(int i) const {
+    const Node& n = at(i);
+    if (n.caption.empty()) return std::string(n.rule);
+    if (n.rule.empty() || n.rule == n.caption) return std::string(n.caption);
+    return std::string(n.caption) + " — " + std::string(n.rule);
+}
+
+}  // namespace trace
 }  // namespace zelmor

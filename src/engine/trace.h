@@ -4,8 +4,9 @@
 // report's own lines, the year's constants, price index values and today.
 // A plain tree of data, so that a screen, a page or a command line can show it.
 
-#include <map>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelmor::trace {
@@ -31,30 +32,39 @@ enum class Op {
     Decision,
 };
 
+// The texts of a node are the program's own (captions, rule words, names of
+// fields and constants): they live as long as the program.
 struct Node {
     Op op = Op::Untraced;
+    char spouse = 0;  // 'M', 'F', or 0 when the figure belongs to neither alone
+    int run = 0;      // 0: the filing tests before the runs; 1, 2, 3: the runs in order
     double value = 0;
-    std::string name;    // Hebrew: the rule or the caption; "" for a step inside a formula
-    std::string source;  // "Yegia.N150", "SUM3", "CMain.MasMagiaM", "madad 2015-11", "today"; or ""
-    int run = 0;         // 0: the filing tests before the runs; 1, 2, 3: the runs in order
-    char spouse = 0;     // 'M', 'F', or 0 when the figure belongs to neither alone
-    std::vector<int> kids;
+    std::string_view caption;  // the cell's caption on its sheet, the report line's caption, a filing mode's title
+    std::string_view rule;     // the rule's word for the figure; both empty for a step inside a formula
+    std::string_view source;   // "Yegia.N150", "SUM3", "CMain.MasMagiaM", "madad 2015-11", "today"; or empty
+    int first = 0, count = 0;  // the children: Trace::kids
 
     bool leaf() const { return op < Op::Sum; }
+    bool named() const { return !caption.empty() || !rule.empty() || !source.empty(); }
 };
 
 // What a calculation with a sink records.
 struct Trace {
     std::vector<Node> nodes;
-    std::map<std::string, int> cells;  // "CMain.MasMagiaM" -> node, for the run that stands
-    int filing = -1;                   // the node of the filing-mode decision
+    std::vector<int> kidPool;   // the children of every node, one after another
+    std::vector<int> cellNodes; // by place in allSheetFields(): the node of the cell in the run that stands, or -1
+    int filing = -1;            // the node of the filing-mode decision
     int runs = 0;
 
     const Node& at(int i) const { return nodes[static_cast<std::size_t>(i)]; }
-    int cell(const std::string& id) const {
-        const auto it = cells.find(id);
-        return it == cells.end() ? -1 : it->second;
+    std::span<const int> kids(int i) const {
+        const Node& n = at(i);
+        return {kidPool.data() + n.first, static_cast<std::size_t>(n.count)};
     }
+    // The node of a cell named "CMain.MasMagiaM", or -1.
+    int cell(std::string_view id) const;
+    // The figure's name: the caption, with the rule's word when it says more.
+    std::string name(int i) const;
 };
 
 // The value of a node worked out again from its leaves, with the same

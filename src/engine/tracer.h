@@ -7,6 +7,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "core/amount.h"
 #include "engine/trace.h"
@@ -26,15 +27,17 @@ struct TD {
 
 class Recorder {
 public:
-    explicit Recorder(trace::Trace& t);
+    // `calc` is the calculation's own record (working figures, sheets, the
+    // run's copies of sections), `size` its size.
+    Recorder(trace::Trace& t, const void* calc, std::size_t size);
 
     // Where the report's fields and the sheets' cells lie, so that a figure
-    // read from them is named. `working` are the run's copies of sections.
+    // read from them is named.
     void mapReport(const NishumInput& report, const sections::Yegia& y, const sections::Rechush& r,
                    const sections::Nikuim& n, const sections::Zikuim& z);
-    void mapSheets(NishumOutput& out);
+    void mapSheets(NishumOutput& out) { out_ = static_cast<const char*>(static_cast<const void*>(&out)); }
     // Figures in [begin, end) outlive the runs.
-    void keep(const void* begin, const void* end) { keepBegin_ = begin, keepEnd_ = end; }
+    void keep(const void* begin, const void* end);
 
     void beginRun();
     void forget(const void* begin, const void* end);  // the figures there were reset from the report
@@ -43,24 +46,41 @@ public:
     int nodeOf(const void* addr, double value);
     int constant(const char* name, double value);
     int op(trace::Op op, double value, int a, int b = -1);
-    int decision(const char* name, double value, std::initializer_list<int> kids);
-    void bind(const void* addr, int node, const char* name);
-    int name(int node, const char* name);
+    int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
+    void bind(const void* addr, int node, const char* rule);
+    int name(int node, const char* rule);
     void decided(int node) { t_.filing = node; }
 
     char spouse = 0;
 
 private:
-    int add(trace::Node n);
+    int add(const trace::Node& n);
+    int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
+    int* slot(const void* addr);  // the node a figure of the calculation or report holds, or null
+    const void* lineAt(const void* addr) const;  // the report line there, or null
+    const void* cellAt(const void* addr) const;  // the sheet cell there, or null
+    void clear(const char* begin, const char* end);
+
     trace::Trace& t_;
     int run_ = 0;
-    std::unordered_map<const void*, int> live_, kept_;
-    std::unordered_map<const void*, const FieldDef*> lines_;
-    std::unordered_map<const void*, const SheetFieldDef*> cells_;
-    std::unordered_map<std::string, std::string> captions_;  // "CMain.MasMagiaM" -> the row's caption
-    std::unordered_map<std::string, int> constants_;
-    const void* keepBegin_ = nullptr;
-    const void* keepEnd_ = nullptr;
+    // The node each figure holds, by its place: 4 bytes a figure in the
+    // calculation, 2 in the report (whose counts are 16 bits).
+    const char* calc_;
+    std::vector<int> calcSlots_;
+    const char* report_ = nullptr;
+    std::vector<int> reportSlots_;
+    const char* keepBegin_ = nullptr;
+    const char* keepEnd_ = nullptr;
+    // The report and the run's copies of its sections: where each lies and
+    // where its first byte lies within a report.
+    struct Range {
+        const char* begin;
+        std::size_t size;
+        std::ptrdiff_t offset;
+    };
+    std::vector<Range> reportRanges_;
+    const char* out_ = nullptr;
+    std::unordered_map<const char*, int> constants_;
 };
 
 // The recorder of the calculation running on this thread, or null.

@@ -30,7 +30,7 @@ std::set<int> below(const trace::Trace& t, int i) {
         const int n = todo.back();
         todo.pop_back();
         if (!seen.insert(n).second) continue;
-        for (int k : t.at(n).kids) todo.push_back(k);
+        for (int k : t.kids(n)) todo.push_back(k);
     }
     return seen;
 }
@@ -38,7 +38,7 @@ std::set<int> below(const trace::Trace& t, int i) {
 // Leaves under a node that are not explained.
 void untraced(const trace::Trace& t, int i, std::set<std::string>& out) {
     for (int n : below(t, i))
-        if (t.at(n).op == Op::Untraced) out.insert(t.at(n).source.empty() ? "?" : t.at(n).source);
+        if (t.at(n).op == Op::Untraced) out.insert(t.at(n).source.empty() ? "?" : std::string(t.at(n).source));
 }
 
 
@@ -49,6 +49,7 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
     const ConstDoch c;
     int modes[5] = {};
     std::set<std::string> missing;
+    long explained = 0;
     for (int i = 0; i < 2000; ++i) {
         const NishumInput n = gen.next();
         CalcResult plain;
@@ -71,17 +72,19 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
         const std::vector<double> again = trace::evaluateAll(t);
         for (std::size_t k = 0; k < t.nodes.size(); ++k) {
             const trace::Node& n = t.nodes[k];
-            ASSERT_EQ(again[k], n.value) << "node " << k << " " << n.name << " " << n.source;
-            if (n.kids.empty()) {
+            ASSERT_EQ(again[k], n.value) << "node " << k << " " << t.name(static_cast<int>(k)) << " " << n.source;
+            if (n.count == 0) {
                 ASSERT_TRUE(n.leaf() && !n.source.empty()) << "node " << k;
             }
-            if (n.op == Op::Untraced) missing.insert(n.source.empty() ? "?" : n.source);
+            if (n.op == Op::Untraced) missing.insert(n.source.empty() ? "?" : std::string(n.source));
         }
-        for (const auto& [cell, node] : t.cells) {
-            const auto dot = cell.find('.');
-            const SheetFieldDef* f = findSheetField(cell.substr(0, dot), cell.substr(dot + 1));
-            ASSERT_NE(f, nullptr) << cell;
-            ASSERT_EQ(again[static_cast<std::size_t>(node)], sheetValue(r.out, f->sheet, f->name)) << cell;
+        const auto fields = allSheetFields();
+        for (std::size_t k = 0; k < fields.size(); ++k) {
+            const int node = t.cellNodes[k];
+            if (node < 0) continue;
+            ++explained;
+            ASSERT_EQ(again[static_cast<std::size_t>(node)], sheetValue(r.out, fields[k].sheet, fields[k].name))
+                << fields[k].sheetName << "." << fields[k].name;
         }
         for (const char* cell : kFullyTraced) {
             const int node = t.cell(cell);
@@ -93,9 +96,9 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
         // The filing mode is explained by the figures compared.
         ASSERT_GE(t.filing, 0);
         EXPECT_EQ(t.at(t.filing).value, r.FilingMode);
-        EXPECT_FALSE(t.at(t.filing).kids.empty());
+        EXPECT_GT(t.at(t.filing).count, 0);
         if (r.compared) {
-            const auto& kids = t.at(t.filing).kids;
+            const auto kids = t.kids(t.filing);
             ASSERT_EQ(kids.size(), 2u);
             std::set<double> sums{t.at(kids[0]).value, t.at(kids[1]).value};
             EXPECT_EQ(sums, (std::set<double>{static_cast<double>(r.MasMeuchad.value()), static_cast<double>(r.MasNifrad.value())}));
@@ -106,7 +109,7 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
     std::string list;
     for (const auto& s : missing) list += s + " ";
     RecordProperty("untraced", list);
-    std::cout << "untraced sources: " << list << "\n";
+    std::cout << explained << " cells explained; untraced sources: " << list << "\n";
 }
 
 }  // namespace
