@@ -3,10 +3,6 @@
 #include "engine/calculation.h"
 
 namespace zelmor::engine {
-namespace {
-Amount floor0(Amount v) { return MaxLong(v, 0); }
-}  // namespace
-
 // Children by age band, weighted for the mother: newborn 0.5, 1-2 two, 3 two,
 // 4-5 two, 6-17 one, 18 half a point.
 double Calculation::MothersWeights() const {
@@ -187,52 +183,61 @@ void Calculation::CreditsForPayments(Person& p) {
     Amount& AcherimCell = p.isF ? z.AcherimF : z.AcherimM;
     Amount& HUTAR_Acherim = p.isF ? z.HUTAR_AcherimF : z.HUTAR_AcherimM;
     Amount& HUTAR_Mishmarot = p.isF ? z.HUTAR_MishmarotF : z.HUTAR_MishmarotM;
+    const char* allowed = "סכום מותר לזיכוי";
+    t.who(p.isF ? 'F' : 'M');
 
     // Pension: survivors' insurance up to 1.5% of income, and what of the
     // self-employed pension was not taken as a deduction.
-    s.TikraKizva = MaxLong(R(s.ChelekSachir * c.ZIKUY_KIZVA_SACHIR() + s.ChelekAtzmai * c.ZIKUY_KIZVA_ATZMAI()), c.HISAHONMIZARI());
-    const Amount deducted = (!p.isF && filing.JointStage == 2) ? st.SavedKizvaM : s.NikuyKizva;
-    Amount A = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 - deducted;
-    HUTAR_045 = MinLong(floor0(A), s.TikraKizva);
+    t.set(s.TikraKizva, "תקרת הזיכוי לקצבה",
+          MaxLong(R(t(s.ChelekSachir) * K(ZIKUY_KIZVA_SACHIR) + t(s.ChelekAtzmai) * K(ZIKUY_KIZVA_ATZMAI)),
+                  K(HISAHONMIZARI)));
+    const TA deducted = (!p.isF && filing.JointStage == 2) ? t(st.SavedKizvaM) : t(s.NikuyKizva);
+    const TA A = MinLong(t(p.N140), R((t(s.ChelekAtzmai) + t(s.ChelekSachir)) * K(ZIKUY_BITUACH_SHEERIM))) +
+                 t(p.N045) + t(p.N268) + t(p.N135) - deducted;
+    t.set(HUTAR_045, allowed, MinLong(t.floor0(A), t(s.TikraKizva)));
 
     // Life insurance, within what the pension left under its ceiling.
-    s.TikraBituach = MaxLong(R(s.ChelekAtzmai * c.ZIKUY_BITUACH_TIKRA() + s.ChelekSachir * c.ZIKUY_BITUACH_TIKRA()),
-                             c.HISAHONMIZARI());
-    HUTAR_036 = MinLong(floor0(MinLong(p.N036, s.TikraBituach)), s.TikraKizva - HUTAR_045);
+    t.set(s.TikraBituach, "תקרת הזיכוי לביטוח חיים",
+          MaxLong(R(t(s.ChelekAtzmai) * K(ZIKUY_BITUACH_TIKRA) + t(s.ChelekSachir) * K(ZIKUY_BITUACH_TIKRA)),
+                  K(HISAHONMIZARI)));
+    t.set(HUTAR_036, allowed,
+          MinLong(t.floor0(MinLong(t(p.N036), t(s.TikraBituach))), t(s.TikraKizva) - t(HUTAR_045)));
 
     KizvaLimitZikuy(p);
+    t.who(p.isF ? 'F' : 'M');
 
     // Care of a family member in an institution: above 12.5% of taxable
     // income; it and line 61 do not both count, and on a tie line 61 stays.
-    HUTAR_132 = MinLong(floor0(R(p.N132 - s.HachnasaChayevet * c.MOSAD_SAF())), p.N132);
-    if (!Nekudot.N020) HUTAR_132 = 0;
+    t.set(HUTAR_132, allowed, MinLong(t.floor0(R(t(p.N132) - t(s.HachnasaChayevet) * K(MOSAD_SAF))), t(p.N132)));
+    if (!Nekudot.N020) t.moved(HUTAR_132, "לא תושב");
     const Amount W = R(HUTAR_132 * Percent(c.ZIKUY_RATE()));
     if (W.value() <= ZIKUY_023)
-        HUTAR_132 = 0;
+        t.moved(HUTAR_132, "זיכוי בעד נקודות הנטל גדול יותר");
     else
         ZIKUY_023 = 0;
 
     Settlement(p);
+    t.who(p.isF ? 'F' : 'M');
 
     // Donations: up to 30% of taxable income, within half the research base.
-    Amount D = floor0(R(s.HachnasaMechkar * c.TRUMOT_MECHKAR() - s.NikuyMechkar - s.NikuySratim));
-    D = MinLong(D, R(s.HachnasaChayevet * c.TRUMOT_TIKRA()));
-    D = MinLong(D, c.TRUMOTMAX());
-    if (p.N037 < c.TRUMOTMIN()) D = 0;
-    HUTAR_037 = MinLong(D, p.N037);
+    TA D = t.floor0(R(t(s.HachnasaMechkar) * K(TRUMOT_MECHKAR) - t(s.NikuyMechkar) - t(s.NikuySratim)));
+    D = MinLong(D, R(t(s.HachnasaChayevet) * K(TRUMOT_TIKRA)));
+    D = MinLong(D, K(TRUMOTMAX));
+    if (p.N037 < c.TRUMOTMIN()) D = t.name("תרומות מתחת לסכום המזערי", t.zero());
+    t.set(HUTAR_037, allowed, MinLong(D, t(p.N037)));
 
-    HUTAR_143 = p.N143;  // memorial donations: no cap
+    t.set(HUTAR_143, allowed, t(p.N143));  // memorial donations: no cap
 
-    AcherimCell = p.Acherim;
-    HUTAR_Acherim = p.Acherim;
+    t.set(AcherimCell, "", t(p.Acherim));
+    t.set(HUTAR_Acherim, allowed, t(p.Acherim));
 
     // Shift work: the shift pay within the salary ceiling, and no more than
     // the credit ceiling turned back into income at 15%.
-    s.OdefMishmarot = floor0(p.N068 + p.N158 - c.MISHMAROTMAX());
-    Amount shift = p.N068 - s.OdefMishmarot;
-    const double shiftRate = Percent(c.ZIKUY_RATE_MISHMAROT());
-    if (shift.value() > c.MISHMAROTZIKUYMAX().value() / shiftRate) shift = R(c.MISHMAROTZIKUYMAX().value() / shiftRate);
-    HUTAR_Mishmarot = floor0(shift);
+    t.set(s.OdefMishmarot, "שכר מעל תקרת המשמרות", t.floor0(t(p.N068) + t(p.N158) - K(MISHMAROTMAX)));
+    TA shift = t(p.N068) - t(s.OdefMishmarot);
+    const TD shiftRate = t.percent(K(ZIKUY_RATE_MISHMAROT));
+    if (shift.v.value() > c.MISHMAROTZIKUYMAX().value() / shiftRate.v) shift = R(K(MISHMAROTZIKUYMAX) / shiftRate);
+    t.set(HUTAR_Mishmarot, allowed, t.floor0(shift));
 }
 
 // The second pension limit for the credits: the pair of allowed pension and
@@ -243,26 +248,28 @@ void Calculation::KizvaLimitZikuy(Person& p) {
     Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
     Amount& HUTAR_036 = p.isF ? z.HUTAR_081 : z.HUTAR_036;
     if (p.N248 + p.N135 < c.KIZVA_MIN()) return;
-    const Amount I = s.HachnasaKizva;
-    const Amount S = floor0(p.N244);
-    const Amount P = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 -
-                     s.NikuyKizva;
-    const Amount T = P + p.N036;
-    Amount L;
-    if (S == 0) {
-        L = R(MinLong(I, c.HACH_MAX_ZIKUY()) * c.ZIKUY_KIZVA_ATZMAI());
+    t.who(p.isF ? 'F' : 'M');
+    const TA I = t(s.HachnasaKizva);
+    const TA S = t.floor0(t(p.N244));
+    const TA P = MinLong(t(p.N140), R((t(s.ChelekAtzmai) + t(s.ChelekSachir)) * K(ZIKUY_BITUACH_SHEERIM))) +
+                 t(p.N045) + t(p.N268) + t(p.N135) - t(s.NikuyKizva);
+    const TA T = P + t(p.N036);
+    TA L;
+    if (S.v == 0) {
+        L = R(MinLong(I, K(HACH_MAX_ZIKUY)) * K(ZIKUY_KIZVA_ATZMAI));
     } else {
-        const Amount sachir = MinLong(c.HACHNASAMEZAKA_SACHIR(), I);
-        const Amount rest = MinLong(I - S, MinLong(c.HACH_MAX_ZIKUY() - MinLong(c.HACHNASAMEZAKA_SACHIR(), S), p.N135));
-        L = R(sachir * c.ZIKUY_KIZVA_SACHIR() + rest * c.ZIKUY_KIZVA_ATZMAI());
+        const TA sachir = MinLong(K(HACHNASAMEZAKA_SACHIR), I);
+        const TA rest =
+            MinLong(I - S, MinLong(K(HACH_MAX_ZIKUY) - MinLong(K(HACHNASAMEZAKA_SACHIR), S), t(p.N135)));
+        L = R(sachir * K(ZIKUY_KIZVA_SACHIR) + rest * K(ZIKUY_KIZVA_ATZMAI));
     }
-    L = MinLong(MaxLong(L, c.HISAHONMIZARI()), T);
-    const Amount P1 = MinLong(P, L);
-    const Amount L1 = MinLong(MaxLong(MinLong(p.N036, L - P1), 0), R(I * c.ZIKUY_BITUACH_TIKRA()));
+    L = MinLong(MaxLong(L, K(HISAHONMIZARI)), T);
+    const TA P1 = MinLong(P, L);
+    const TA L1 = MinLong(MaxLong(MinLong(t(p.N036), L - P1), t.zero()), R(I * K(ZIKUY_BITUACH_TIKRA)));
     const double kizva = Percent(c.ZIKUY_RATE()), bituach = Percent(c.ZIKUY_RATE_BITUACH());
-    if (HUTAR_045 * kizva + HUTAR_036 * bituach < P1 * kizva + L1 * bituach) {
-        HUTAR_045 = P1;
-        HUTAR_036 = L1;
+    if (HUTAR_045 * kizva + HUTAR_036 * bituach < P1.v * kizva + L1.v * bituach) {
+        t.set(HUTAR_045, "סכום מותר לזיכוי (לפי התקרה השנייה)", P1);
+        t.set(HUTAR_036, "סכום מותר לזיכוי (לפי התקרה השנייה)", L1);
     }
 }
 
@@ -274,17 +281,20 @@ void Calculation::Settlement(Person& p) {
     Amount& paid = p.isF ? z.N193 : z.N093;
     Amount& base = p.isF ? z.HUTAR_193 : z.HUTAR_093;
     Amount& rate = p.isF ? z.RATE_193 : z.RATE_093;
-    paid = 0;
-    base = 0;
+    t.who(p.isF ? 'F' : 'M');
+    const char* income = "הכנסה מיגיעה אישית של תושב יישוב מוטב";
+    const char* allowed = "סכום מותר לזיכוי";
+    t.set(paid, "", t.zero());
+    t.set(base, "", t.zero());
     if (p.N093 == 1) {
-        paid = s.YegiaChayav;
-        base = MinLong(s.YegiaChayav, c.SFAR_TZAFON());
+        t.set(paid, income, t(s.YegiaChayav));
+        t.set(base, allowed, MinLong(t(s.YegiaChayav), K(SFAR_TZAFON)));
     } else if (p.N093 == 2) {
-        paid = s.YegiaChayav;
-        base = MinLong(s.YegiaChayav, c.SFAR_NEGEV_GALIL());
+        t.set(paid, income, t(s.YegiaChayav));
+        t.set(base, allowed, MinLong(t(s.YegiaChayav), K(SFAR_NEGEV_GALIL)));
     }
-    base = R(p.N093Month / 12.0 * base.value());
-    rate = p.N093Rate;
+    t.set(base, allowed, R(t(p.N093Month) / t.k("12", 12.0) * toD(t(base))));
+    t.set(rate, "", t(p.N093Rate));
 }
 
 }  // namespace zelmor::engine

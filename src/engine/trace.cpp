@@ -116,8 +116,10 @@ struct Catalogue {
     struct Cell {
         std::string source, caption;
     };
-    std::unordered_map<std::ptrdiff_t, Line> lines;  // by byte offset in NishumInput
-    std::unordered_map<std::ptrdiff_t, Cell> cells;  // by byte offset in NishumOutput
+    std::vector<Line> lines;
+    std::vector<Cell> cells;
+    std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
+    std::vector<const Cell*> cellAt;  // by a quarter of the byte offset in NishumOutput
     std::unordered_map<std::string, std::string> captions;
 
     Catalogue() {
@@ -130,8 +132,10 @@ struct Catalogue {
             std::string name = *f.caption ? f.caption : f.name;
             while (!name.empty() && (name.back() == ' ' || name.back() == ':')) name.pop_back();
             if (*f.code) name += std::string(" (") + f.code + ")";
-            lines[at(&in, f.address(in))] = {&f, name, std::string(f.sectionName) + "." + f.name};
+            lines.push_back({&f, name, std::string(f.sectionName) + "." + f.name});
         }
+        lineAt.assign(sizeof(NishumInput) / 2 + 1, nullptr);
+        for (const Line& l : lines) lineAt[static_cast<std::size_t>(at(&in, l.field->address(in))) / 2] = &l;
         for (const SheetDef& s : allSheets())
             for (const SheetRow& row : sheetRows(s.id))
                 for (const char* f : row.fields)
@@ -139,8 +143,12 @@ struct Catalogue {
         for (const SheetFieldDef& f : allSheetFields()) {
             Cell c{std::string(f.sheetName) + "." + f.name, ""};
             if (const auto cap = captions.find(c.source); cap != captions.end()) c.caption = cap->second;
-            cells[at(&out, f.address(out))] = std::move(c);
+            cells.push_back(std::move(c));
         }
+        cellAt.assign(sizeof(NishumOutput) / 4 + 1, nullptr);
+        const auto fields = allSheetFields();
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            cellAt[static_cast<std::size_t>(at(&out, fields[i].address(out))) / 4] = &cells[i];
     }
 };
 
@@ -151,9 +159,16 @@ const Catalogue& catalogue() {
 
 }  // namespace
 
-Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size)
-    : t_(t), calc_(static_cast<const char*>(calc)), calcSlots_(size / 4 + 1, -1) {
+Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size) : t_(t), calc_(static_cast<const char*>(calc)) {
     catalogue();
+    t_.clear();
+    // One slot for every 4 bytes of the calculation, then one for every 2 of the report.
+    const std::size_t calcSlots = size / 4 + 1, reportSlots = sizeof(NishumInput) / 2 + 1;
+    t_.scratch.assign(calcSlots + reportSlots, -1);
+    calcSlots_ = std::span<int>(t_.scratch.data(), calcSlots);
+    reportSlots_ = std::span<int>(t_.scratch.data() + calcSlots, reportSlots);
+    t_.nodes.reserve(2048);
+    t_.kidPool.reserve(4096);
     t_.cellNodes.assign(allSheetFields().size(), -1);
 }
 
@@ -161,7 +176,6 @@ void Recorder::mapReport(const NishumInput& report, const sections::Yegia& y, co
                          const sections::Nikuim& n, const sections::Zikuim& z) {
     const auto base = [&](const void* section) { return static_cast<const char*>(section); };
     report_ = base(&report);
-    reportSlots_.assign(sizeof(NishumInput) / 2 + 1, -1);
     reportRanges_ = {{report_, sizeof(NishumInput), 0},
                      {base(&y), sizeof y, base(&report.Yegia) - report_},
                      {base(&r), sizeof r, base(&report.Rechush) - report_},
@@ -183,7 +197,14 @@ int* Recorder::slot(const void* addr) {
 }
 
 void Recorder::clear(const char* begin, const char* end) {
-    for (const char* p = begin; p < end; p += 4)
+    const auto index = [&](const char* p) {
+        return std::clamp<std::ptrdiff_t>((p - calc_ + 3) / 4, 0, static_cast<std::ptrdiff_t>(calcSlots_.size()));
+    };
+    if (begin >= calc_ && begin < calc_ + calcSlots_.size() * 4) {
+        std::fill(calcSlots_.begin() + index(begin), calcSlots_.begin() + index(end), -1);
+        return;
+    }
+    for (const char* p = begin; p < end; p += 2)  // in the report
         if (int* s = slot(p)) *s = -1;
 }
 
@@ -209,9 +230,7 @@ const void* Recorder::lineAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     for (const Range& r : reportRanges_)
         if (p >= r.begin && p < r.begin + r.size) {
-            const auto& lines = catalogue().lines;
-            const auto it = lines.find(p - r.begin + r.offset);
-            return it == lines.end() ? nullptr : &it->second;
+            return catalogue().lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
         }
     return nullptr;
 }
@@ -219,9 +238,7 @@ const void* Recorder::lineAt(const void* addr) const {
 const void* Recorder::cellAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
-    const auto& cells = catalogue().cells;
-    const auto it = cells.find(p - out_);
-    return it == cells.end() ? nullptr : &it->second;
+    return catalogue().cellAt[static_cast<std::size_t>(p - out_) / 4];
 }
 
 int Recorder::add(const Node& n) {

@@ -55,6 +55,18 @@ struct Trace {
     std::vector<int> cellNodes; // by place in allSheetFields(): the node of the cell in the run that stands, or -1
     int filing = -1;            // the node of the filing-mode decision
     int runs = 0;
+    std::vector<int> scratch;   // the recorder's working memory, kept for the next calculation
+
+    // Emptied by every calculation it is given to; what it took of memory stays
+    // for the next one.
+    void clear() {
+        nodes.clear();
+        kidPool.clear();
+        cellNodes.clear();
+        scratch.clear();
+        filing = -1;
+        runs = 0;
+    }
 
     const Node& at(int i) const { return nodes[static_cast<std::size_t>(i)]; }
     std::span<const int> kids(int i) const {

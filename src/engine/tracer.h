@@ -5,6 +5,7 @@
 // calculation's own arithmetic. Without a sink every node is -1, nothing is
 // recorded, and what is left is the bare arithmetic and one test per step.
 
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -66,9 +67,9 @@ private:
     // The node each figure holds, by its place: 4 bytes a figure in the
     // calculation, 2 in the report (whose counts are 16 bits).
     const char* calc_;
-    std::vector<int> calcSlots_;
+    std::span<int> calcSlots_;
     const char* report_ = nullptr;
-    std::vector<int> reportSlots_;
+    std::span<int> reportSlots_;
     const char* keepBegin_ = nullptr;
     const char* keepEnd_ = nullptr;
     // The report and the run's copies of its sections: where each lies and
