@@ -10,6 +10,7 @@
 #include "engine/explain.h"
 #include "engine/trace.h"
 #include "results/nishum_output.h"
+#include "results/sheet_rows.h"
 #include "tables/madad_table.h"
 
 namespace zelmor::cli {
@@ -72,9 +73,14 @@ int runExplain(const Options& o) {
                 trace::Trace t;
                 const CalcResult r = CalcDoch(report, ConstDoch(), madad, today, &t);
                 const int node = t.cell(id);
-                if (node < 0) {
-                    std::fprintf(stderr, "zelmor-cli explain: no explanation is recorded for %s\n", id.c_str());
-                    status = 2;
+                if (node < 0) {  // a row the run left empty, or a figure whose rule records nothing yet
+                    const double value = sheetValue(r.out, cell->sheet, cell->name);
+                    if (json)
+                        std::cout << "{\"cell\":\"" << id << "\",\"mode\":" << r.FilingMode
+                                  << ",\"tree\":null,\"value\":" << value << "}\n";
+                    else
+                        std::cout << ModeTitle(r.FilingMode) << "\n"
+                                  << id << " = " << trace::formatNumber(value) << " (אין הסבר רשום לתא זה)\n";
                     return;
                 }
                 if (json) {

@@ -132,10 +132,11 @@ private:
     // Credit points and credits.
     void CalcCreditsM();
     void CalcCreditsF();
-    double OlePoints(Date date) const;
-    double ChayalPoints(Date date, std::int16_t months) const;
-    double MothersWeights() const;
-    double FathersWeights() const;
+    TD OlePoints(Date date) const;
+    TD ChayalPoints(const Date& date, const std::int16_t& months) const;
+    TD MothersWeights() const;
+    TD FathersWeights() const;
+    TD countTimes(const std::int16_t& count, TA points) const;
     void CreditsForPayments(Person& p);
     void KizvaLimitZikuy(Person& p);
     void Settlement(Person& p);

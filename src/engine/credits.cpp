@@ -5,46 +5,58 @@
 namespace zelmor::engine {
 // Children by age band, weighted for the mother: newborn 0.5, 1-2 two, 3 two,
 // 4-5 two, 6-17 one, 18 half a point.
-double Calculation::MothersWeights() const {
+TD Calculation::MothersWeights() const {
     const auto& n = Nekudot;
-    return c.YELED_EM_0() * n.N260_1 + mulCount(n.N260_2, c.YELED_EM_1_2()) + mulCount(n.N260_3, c.YELED_EM_3()) +
-           mulCount(n.N260_4, c.YELED_EM_4_5()) + c.YELED_EM_6_17() * n.N260_5 + c.YELED_EM_18() * n.N260_6;
+    return K(YELED_EM_0) * t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_EM_1_2)) +
+           countTimes(n.N260_3, K(YELED_EM_3)) + countTimes(n.N260_4, K(YELED_EM_4_5)) +
+           K(YELED_EM_6_17) * t.num(n.N260_5) + K(YELED_EM_18) * t.num(n.N260_6);
 }
 
 // ...and for the father: newborn one, 1-2 two, 3 one (a 16-bit sum).
-double Calculation::FathersWeights() const {
+TD Calculation::FathersWeights() const {
     const auto& n = Nekudot;
-    return addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);
+    addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);  // raises on overflow
+    return t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_AV_1_2)) + t.num(n.N260_3);
+}
+
+// A count times a whole number of points, checked as 16-bit counts are.
+TD Calculation::countTimes(const std::int16_t& count, TA points) const {
+    mulCount(count, static_cast<std::int16_t>(points.v.value()));  // raises on overflow
+    return t.num(count) * toD(points);
 }
 
 // A new immigrant: 42 months from the month of immigration, the first 18 at a
 // quarter point a month, the next 12 at a sixth, the last 12 at a twelfth;
 // the months that fall in the tax year count.
-double Calculation::OlePoints(Date date) const {
+TD Calculation::OlePoints(Date date) const {
     const int second = c.OLE_MONTHS1(), third = second + c.OLE_MONTHS2(), end = third + c.OLE_MONTHS3();
-    double total = 0;
-    for (int i = 0; i < end; ++i) {
-        const double rate = i < second ? c.OLE_RATE1() : i < third ? c.OLE_RATE2() : c.OLE_RATE3();
-        if (date.addMonths(i).year() == c.YEARDOCH()) total += rate;
-    }
+    TD total = t.k("0", 0.0);
+    for (int i = 0; i < end; ++i)
+        if (date.addMonths(i).year() == c.YEARDOCH())
+            total = total + (i < second ? K(OLE_RATE1) : i < third ? K(OLE_RATE2) : K(OLE_RATE3));
     return total;
 }
 
 // A discharged soldier: points by the months from discharge to December of
 // the tax year; doubled for 24 months of service or more.
-double Calculation::ChayalPoints(Date date, std::int16_t months) const {
+TD Calculation::ChayalPoints(const Date& date, const std::int16_t& months) const {
     int y, m, d;
     date.ymd(y, m, d);
-    const int n = 12 * (c.YEARDOCH() - y) + (12 - m);
-    double p = 0;
-    if (n >= 1 && n <= 12)
-        p = n / 12.0;
-    else if (n >= 13 && n <= 24)
-        p = 1;
-    else if (n >= 25 && n <= 36)
-        p = (36 - n) / 12.0;
-    if (months == 0) p = 0;
-    if (months >= c.CHAYAL_SHERUT_KAFUL()) p *= 2;
+    const TD twelve = t.k("12", 12.0);
+    // The months from the discharge to the end of the tax year.
+    const TD n = t.name("חודשים מהשחרור עד סוף השנה",
+                        twelve * (toD(K(YEARDOCH)) - t.datePart(date, "שנת השחרור", y)) +
+                            (twelve - t.datePart(date, "חודש השחרור", m)));
+    const TD none = t.k("0", 0.0);
+    TD p = none;
+    if (n.v >= 1 && n.v <= 12)
+        p = n / twelve;
+    else if (n.v >= 13 && n.v <= 24)
+        p = t.k("1", 1.0);
+    else if (n.v >= 25 && n.v <= 36)
+        p = (t.k("36", 36.0) - n) / twelve;
+    if (months == 0) p = none;
+    if (months >= c.CHAYAL_SHERUT_KAFUL()) p = p * t.k("2", 2.0);
     return p;
 }
 
@@ -52,17 +64,21 @@ void Calculation::CalcCreditsM() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
     const auto& pr = Pratim;
-    const double NEKUDA = c.NEKUDA().value();
+    const TD NEKUDA = toD(K(NEKUDA));
+    const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
     const int mode = filing.FilingMode;
+    const char* points = "נקודות זיכוי";
+    const auto credit = [&](double& zikuy, const double& nekuda) { t.set(zikuy, "זיכוי בעד נקודות", NEKUDA * t(nekuda)); };
+    t.who('M');
 
     // Line 54: resident; a woman has half a point more, resident or not.
     if (k.N020) {
-        z.NEKUDA_020M = c.NEKUDOT_TOSHAV();
-        z.ZIKUY_020M = NEKUDA * c.NEKUDOT_TOSHAV();
+        t.set(z.NEKUDA_020M, points, K(NEKUDOT_TOSHAV));
+        credit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
     if (pr.isFemale) {
-        z.NEKUDA_020M += c.NEKUDOT_ISHA();
-        z.ZIKUY_020M = NEKUDA * z.NEKUDA_020M;
+        t.set(z.NEKUDA_020M, points, t(z.NEKUDA_020M) + K(NEKUDOT_ISHA));
+        credit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
 
     // Spouse lines, only when the couple is computed together.
@@ -72,17 +88,20 @@ void Calculation::CalcCreditsM() {
         const bool retired = (!man.isNull() && man < c.GIL_PRISHA_GEVER()) ||
                              (!woman.isNull() && woman < c.GIL_PRISHA_ISHA());
         if (retired && k.N020 && (filing.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
-            z.NEKUDA_021M = 1;
-            z.ZIKUY_021M = NEKUDA;
+            t.set(z.NEKUDA_021M, points, one);
+            credit(z.ZIKUY_021M, z.NEKUDA_021M);
         }
         if (k.N020 && Yegia.TTLF > 0) {
-            z.NEKUDA_021AM = k.N260 >= 1 ? c.NEKUDOT_021A_YELADIM() : c.NEKUDOT_021A();
-            z.ZIKUY_021AM = NEKUDA * z.NEKUDA_021AM;
+            t.set(z.NEKUDA_021AM, points, k.N260 >= 1 ? K(NEKUDOT_021A_YELADIM) : K(NEKUDOT_021A));
+            credit(z.ZIKUY_021AM, z.NEKUDA_021AM);
         }
-        if (mode == ModeAlone) z.NEKUDA_021AM = z.ZIKUY_021AM = 0;
+        if (mode == ModeAlone) {
+            t.set(z.NEKUDA_021AM, points, none);
+            t.set(z.ZIKUY_021AM, "", none);
+        }
         if (Yegia.TTLF < 1 && k.N020 && (k.N025 || Klaliim.isBZOzer)) {
-            z.NEKUDA_025M = k.N260 >= 1 ? c.NEKUDOT_025_YELADIM() : c.NEKUDOT_025();
-            z.ZIKUY_025M = NEKUDA * z.NEKUDA_025M;
+            t.set(z.NEKUDA_025M, points, k.N260 >= 1 ? K(NEKUDOT_025_YELADIM) : K(NEKUDOT_025));
+            credit(z.ZIKUY_025M, z.NEKUDA_025M);
         }
     }
 
@@ -90,54 +109,56 @@ void Calculation::CalcCreditsM() {
     const int ageM = ageInYear(pr.BirthDateM), ageF = ageInYear(pr.BirthDateF);
     const auto youth = [&](int age) { return age >= c.GIL_NOAR_MIN() && age <= c.GIL_NOAR_MAX(); };
     if (youth(ageM) || youth(ageF)) {
-        z.NEKUDA_020AM = 1;
-        z.ZIKUY_020AM = NEKUDA;
+        t.set(z.NEKUDA_020AM, points, one);
+        credit(z.ZIKUY_020AM, z.NEKUDA_020AM);
     }
 
     // Line 57: alimony, married again.
     if (k.N028) {
-        z.NEKUDA_028M = 1;
-        z.ZIKUY_028M = NEKUDA;
+        t.set(z.NEKUDA_028M, points, one);
+        credit(z.ZIKUY_028M, z.NEKUDA_028M);
     }
 
     // Line 58: children.
-    z.NEKUDA_260M = z.NEKUDA_260F = 0;
+    t.set(z.NEKUDA_260M, points, none);
+    t.set(z.NEKUDA_260F, points, none);
     if ((mode != ModeJoint && pr.isFemale) || (!pr.isNasuy && k.N026) || pr.isRavak || pr.isGarush || pr.isAlman) {
-        z.NEKUDA_260M = MothersWeights();
-        if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) z.NEKUDA_260F = FathersWeights();
+        t.set(z.NEKUDA_260M, points, MothersWeights());
+        if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) t.set(z.NEKUDA_260F, points, FathersWeights());
     }
-    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
-    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
+    credit(z.ZIKUY_260M, z.NEKUDA_260M);
+    credit(z.ZIKUY_260F, z.NEKUDA_260F);
 
     // Line 60: children who do not live with the person.
-    z.NEKUDA_029M = k.N029 ? 1 : 0;
-    z.ZIKUY_029M = NEKUDA * z.NEKUDA_029M;
+    t.set(z.NEKUDA_029M, points, k.N029 ? one : none);
+    credit(z.ZIKUY_029M, z.NEKUDA_029M);
 
     // Line 59: single-parent family.
     if ((k.N260 >= 1 && k.N026 && !pr.isNasuy && !k.N021) ||
         (k.N260 >= 1 && !k.N021 && (pr.isAlman || pr.isGarush || pr.isRavak))) {
-        z.NEKUDA_026M = 1;
-        z.ZIKUY_026M = NEKUDA;
+        t.set(z.NEKUDA_026M, points, one);
+        credit(z.ZIKUY_026M, z.NEKUDA_026M);
     }
 
     // Line 61: supported persons without physical ability, two points each;
     // when the couple is computed together F's count joins M's at one point each.
-    z.NEKUDA_023 = k.N020 ? mulCount(k.N023, c.NEKUDOT_NECHE()) : 0;
-    z.NEKUDA_131 = k.N020 ? mulCount(k.N131, c.NEKUDOT_NECHE()) : 0;
+    t.set(z.NEKUDA_023, points, k.N020 ? countTimes(k.N023, K(NEKUDOT_NECHE)) : none);
+    t.set(z.NEKUDA_131, points, k.N020 ? countTimes(k.N131, K(NEKUDOT_NECHE)) : none);
     if (mode == ModeAlone || mode == ModeSingle || mode == ModeJoint) {
-        z.NEKUDA_023 += k.N131;
-        z.NEKUDA_131 = 0;
+        t.set(z.NEKUDA_023, points, t(z.NEKUDA_023) + t.num(k.N131));
+        t.set(z.NEKUDA_131, points, none);
     }
-    if (z.NEKUDA_023 > 0) z.ZIKUY_023 = NEKUDA * z.NEKUDA_023;
-    if (z.NEKUDA_131 > 0) z.ZIKUY_131 = NEKUDA * z.NEKUDA_131;
+    if (z.NEKUDA_023 > 0) credit(z.ZIKUY_023, z.NEKUDA_023);
+    if (z.NEKUDA_131 > 0) credit(z.ZIKUY_131, z.NEKUDA_131);
 
     // Lines 62 to 64: immigrant, discharged soldier, degree.
-    z.NEKUDA_OleM = OlePoints(k.OleDateM);
-    z.ZIKUY_OleM = NEKUDA * z.NEKUDA_OleM;
-    z.NEKUDA_224 = ChayalPoints(k.N224, k.N024);
-    z.ZIKUY_224 = NEKUDA * z.NEKUDA_224;
-    z.NEKUDA_181 = k.N181 >= 1 && k.N181 <= 4 ? c.NEKUDOT_TOAR() : k.N181 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
-    z.ZIKUY_181 = NEKUDA * z.NEKUDA_181;
+    t.set(z.NEKUDA_OleM, points, OlePoints(k.OleDateM));
+    credit(z.ZIKUY_OleM, z.NEKUDA_OleM);
+    t.set(z.NEKUDA_224, points, ChayalPoints(k.N224, k.N024));
+    credit(z.ZIKUY_224, z.NEKUDA_224);
+    t.set(z.NEKUDA_181, points,
+          k.N181 >= 1 && k.N181 <= 4 ? K(NEKUDOT_TOAR) : k.N181 == 5 ? K(NEKUDOT_TOAR_SHENI) : none);
+    credit(z.ZIKUY_181, z.NEKUDA_181);
 
     CreditsForPayments(pM);
 }
@@ -145,27 +166,32 @@ void Calculation::CalcCreditsM() {
 void Calculation::CalcCreditsF() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
-    const double NEKUDA = c.NEKUDA().value();
+    const TD NEKUDA = toD(K(NEKUDA));
+    const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
+    const char* points = "נקודות זיכוי";
+    const auto credit = [&](double& zikuy, const double& nekuda) { t.set(zikuy, "זיכוי בעד נקודות", NEKUDA * t(nekuda)); };
+    t.who('F');
     if (k.N020) {
-        z.NEKUDA_020F = c.NEKUDOT_TOSHAV();
-        z.ZIKUY_020F = NEKUDA * c.NEKUDOT_TOSHAV();
+        t.set(z.NEKUDA_020F, points, K(NEKUDOT_TOSHAV));
+        credit(z.ZIKUY_020F, z.NEKUDA_020F);
     }
     if (!Pratim.isFemale) {  // the spouse is the woman
-        z.NEKUDA_020F += c.NEKUDOT_ISHA();
-        z.ZIKUY_020F = NEKUDA * z.NEKUDA_020F;
-        z.NEKUDA_260F = MothersWeights();
-        z.NEKUDA_260M = FathersWeights();
+        t.set(z.NEKUDA_020F, points, t(z.NEKUDA_020F) + K(NEKUDOT_ISHA));
+        credit(z.ZIKUY_020F, z.NEKUDA_020F);
+        t.set(z.NEKUDA_260F, points, MothersWeights());
+        t.set(z.NEKUDA_260M, points, FathersWeights());
     }
-    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
-    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
-    z.NEKUDA_129 = k.N129 ? 1 : 0;
-    z.ZIKUY_129 = NEKUDA * z.NEKUDA_129;
-    z.NEKUDA_OleF = OlePoints(k.OleDateF);
-    z.ZIKUY_OleF = NEKUDA * z.NEKUDA_OleF;
-    z.NEKUDA_324 = ChayalPoints(k.N324, k.N124);
-    z.ZIKUY_324 = NEKUDA * z.NEKUDA_324;
-    z.NEKUDA_182 = k.N182 >= 1 && k.N182 <= 4 ? c.NEKUDOT_TOAR() : k.N182 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
-    z.ZIKUY_182 = NEKUDA * z.NEKUDA_182;
+    credit(z.ZIKUY_260F, z.NEKUDA_260F);
+    credit(z.ZIKUY_260M, z.NEKUDA_260M);
+    t.set(z.NEKUDA_129, points, k.N129 ? one : none);
+    credit(z.ZIKUY_129, z.NEKUDA_129);
+    t.set(z.NEKUDA_OleF, points, OlePoints(k.OleDateF));
+    credit(z.ZIKUY_OleF, z.NEKUDA_OleF);
+    t.set(z.NEKUDA_324, points, ChayalPoints(k.N324, k.N124));
+    credit(z.ZIKUY_324, z.NEKUDA_324);
+    t.set(z.NEKUDA_182, points,
+          k.N182 >= 1 && k.N182 <= 4 ? K(NEKUDOT_TOAR) : k.N182 == 5 ? K(NEKUDOT_TOAR_SHENI) : none);
+    credit(z.ZIKUY_182, z.NEKUDA_182);
 
     CreditsForPayments(pF);
 }
@@ -214,7 +240,7 @@ void Calculation::CreditsForPayments(Person& p) {
     if (W.value() <= ZIKUY_023)
         t.moved(HUTAR_132, "זיכוי בעד נקודות הנטל גדול יותר");
     else
-        ZIKUY_023 = 0;
+        t.set(ZIKUY_023, "הזיכוי בעד הוצאות המוסד גדול יותר", t.k("0", 0.0));
 
     Settlement(p);
     t.who(p.isF ? 'F' : 'M');

@@ -325,6 +325,16 @@ int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, 
 
 int Recorder::name(int node, const char* rule) { return copyOf(node, {}, rule, {}); }
 
+int Recorder::datePart(const void* addr, const char* part, double value) {
+    Node n;
+    n.op = Op::Line;
+    n.value = value;
+    n.caption = part;
+    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) n.source = line->source;
+    n.spouse = spouse;
+    return add(n);
+}
+
 void Recorder::bind(const void* addr, int node, const char* rule) {
     std::string_view caption, source;
     if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {

@@ -50,6 +50,7 @@ public:
     int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
     void bind(const void* addr, int node, const char* rule);
     int name(int node, const char* rule);
+    int datePart(const void* addr, const char* part, double value);
     void decided(int node) { t_.filing = node; }
 
     char spouse = 0;
@@ -181,7 +182,15 @@ public:
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
+    // A part of a date of the report (its year, its month) as a figure.
+    TD datePart(const Date& d, const char* part, int value) const {
+        return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
+    }
     // A figure of a rule that is kept nowhere, under its name.
+    TD name(const char* name, TD x) const {
+        if (x.n >= 0) x.n = rec->name(x.n, name);
+        return x;
+    }
     TA name(const char* name, TA x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
