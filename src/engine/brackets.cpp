@@ -11,7 +11,8 @@ std::array<Amount*, 7> BracketSums(sheets::CHishuv& h, bool isF) {
     return {&h.MSUM_1, &h.MSUM_2, &h.MSUM_3, &h.MSUM_4, &h.MSUM_5, &h.MSUM_6, &h.MSUM_7};
 }
 
-void Calculation::BracketStep(Person& p) {
+template <bool On>
+void Calculation<On>::BracketStep(Person& p) {
     t.who(p.isF ? 'F' : 'M');
     for (auto& b : st.BracketSum) t.set(b, "", t.zero());
     for (auto& b : st.BracketSumA) t.set(b, "", t.zero());
@@ -26,27 +27,29 @@ void Calculation::BracketStep(Person& p) {
               i <= 3 ? t(st.BracketSum[i]) : t(st.BracketSumA[i - 3]) + t(st.BracketSum[i]));
 }
 
-void Calculation::BracketYegiaScale() {
+template <bool On>
+void Calculation<On>::BracketYegiaScale() {
     const TA Y = t(st.BracketYegia);
     Amount* s = st.BracketSum;
     const TA bounds[] = {t.zero(), K(SUM1), K(SUM2), K(SUM3), K(SUM4), K(SUM5), K(SUM6)};
     // Full brackets below the one Y ends in; bounds belong to the lower bracket.
     int i = 1;
-    while (i <= 6 && Y.v > bounds[i].v) {
+    while (i <= 6 && val(Y) > val(bounds[i])) {
         t.set(s[i], "מדרגה מלאה (יגיעה אישית)", bounds[i] - bounds[i - 1]);
         ++i;
     }
     t.set(s[i], "הכנסה מיגיעה אישית במדרגה", Y - bounds[i - 1]);
 }
 
-void Calculation::BracketLoYegiaScale() {
+template <bool On>
+void Calculation<On>::BracketLoYegiaScale() {
     const TA Y = t(st.BracketYegia);
     const TA L = t(st.BracketLoYegia);
-    const Amount T = Y.v + L.v;
+    const Amount T = val(Y) + val(L);
     Amount* a = st.BracketSumA;
-    const TA part1 = Y.v <= c.SUM1A() ? K(SUM1A) - Y : t.zero();
-    const TA part2 = Y.v <= c.SUM1A() ? K(SUM2ASUB) : Y.v <= c.SUM2A() ? K(SUM2A) - Y : t.zero();
-    const TA part3 = Y.v <= c.SUM2A() ? K(SUM3ASUB) : Y.v <= c.SUM3A() ? K(SUM3A) - Y : t.zero();
+    const TA part1 = val(Y) <= c.SUM1A() ? K(SUM1A) - Y : t.zero();
+    const TA part2 = val(Y) <= c.SUM1A() ? K(SUM2ASUB) : val(Y) <= c.SUM2A() ? K(SUM2A) - Y : t.zero();
+    const TA part3 = val(Y) <= c.SUM2A() ? K(SUM3ASUB) : val(Y) <= c.SUM3A() ? K(SUM3A) - Y : t.zero();
     const char* full = "מדרגה (הכנסה שלא מיגיעה אישית)";
     const char* last = "הכנסה שלא מיגיעה אישית במדרגה";
     if (T <= c.SUM1A()) {
@@ -65,5 +68,8 @@ void Calculation::BracketLoYegiaScale() {
         t.set(a[4], last, L - (t(a[1]) + t(a[2]) + t(a[3])));
     }
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

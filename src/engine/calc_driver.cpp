@@ -16,17 +16,19 @@ const char* ModeTitle(int filingMode) {
 }
 
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today) {
-    return engine::Calculation(report, c, madad, today).run();
+    return engine::Calculation<false>(report, c, madad, today).run();
 }
 
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
                     trace::Trace* sink) {
-    return engine::Calculation(report, c, madad, today).run(sink);
+    if (!sink) return engine::Calculation<false>(report, c, madad, today).run();
+    return engine::Calculation<true>(report, c, madad, today).run(sink);
 }
 
 namespace engine {
 
-Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLookup& m, Date t)
+template <bool On>
+Calculation<On>::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLookup& m, Date t)
     : report(r), c(k), madad(m), today(t),
       Yegia(r.Yegia), Rechush(r.Rechush), Nikuim(r.Nikuim), Zikuim(r.Zikuim),
       Pratim(r.Pratim), Pturot(r.Pturot), Nekudot(r.Nekudot), Tashlumim(r.Tashlumim), Klaliim(r.Klaliim),
@@ -57,8 +59,9 @@ Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLo
          Zikuim.N193, Zikuim.N193Rate, Zikuim.N193Month,
          r.Pratim.BirthDateF} {}
 
-CalcResult Calculation::run(trace::Trace* sink) {
-    if (sink) {
+template <bool On>
+CalcResult Calculation<On>::run(trace::Trace* sink) {
+    if constexpr (On) {
         Recorder rec(*sink, this, sizeof *this);
         rec.mapReport(report, Yegia, Rechush, Nikuim, Zikuim);
         rec.mapSheets(out);
@@ -72,6 +75,7 @@ CalcResult Calculation::run(trace::Trace* sink) {
         rec.finish(out);
         t.rec = nullptr;
     } else {
+        (void)sink;
         CalcDoch();
     }
     CalcResult result;
@@ -83,11 +87,13 @@ CalcResult Calculation::run(trace::Trace* sink) {
     return result;
 }
 
-int Calculation::ageInYear(Date birth) const { return birth.isNull() ? -1 : c.YEARDOCH() - birth.year(); }
+template <bool On>
+int Calculation<On>::ageInYear(Date birth) const { return birth.isNull() ? -1 : c.YEARDOCH() - birth.year(); }
 
 // The filing tests decide the mode; a couple that may choose is computed both
 // ways and the cheaper way stands.
-void Calculation::CalcDoch() {
+template <bool On>
+void Calculation<On>::CalcDoch() {
     const auto& y = Yegia;
     const auto& r = Rechush;
     const auto& p = Pturot;
@@ -123,7 +129,7 @@ void Calculation::CalcDoch() {
 
     if (Pratim.isAlman || Pratim.isRavak || Pratim.isGarush || filing.HachnasaTestF == 0) {
         filing.FilingMode = ModeSingle;
-        explainMode("אין בן זוג שהכנסתו נחשבת: חישוב יחיד", {t(filing.HachnasaTestF).n});
+        explainMode("אין בן זוג שהכנסתו נחשבת: חישוב יחיד", {idOf(t(filing.HachnasaTestF))});
         CalcOneMode();
         return;
     }
@@ -132,7 +138,7 @@ void Calculation::CalcDoch() {
     if (filing.HachnasaTestF <= filing.SafBenZug) {
         filing.FilingMode = ModeAlone;
         explainMode("הכנסת בן הזוג אינה עולה על הסף: נישום בלבד",
-                    {t(filing.HachnasaTestF).n, t(filing.SafBenZug).n});
+                    {idOf(t(filing.HachnasaTestF)), idOf(t(filing.SafBenZug))});
         CalcOneMode();
         return;
     }
@@ -143,17 +149,18 @@ void Calculation::CalcDoch() {
 }
 
 // The filing-mode decision with the figures it compared.
-void Calculation::explainMode(const char* rule, std::initializer_list<int> compared) {
-    if (!t.rec) return;
-    t.rec->decided(t.rec->decision(ModeTitle(filing.FilingMode), rule, filing.FilingMode, compared));
+template <bool On>
+void Calculation<On>::explainMode(const char* rule, std::initializer_list<int> compared) {
+    if constexpr (On) t.rec->decided(t.rec->decision(ModeTitle(filing.FilingMode), rule, filing.FilingMode, compared));
 }
 
 // Incomes without a dependence in their source: separate, or joint when cheaper.
-void Calculation::CalcNoTlut() {
+template <bool On>
+void Calculation<On>::CalcNoTlut() {
     if (filing.RegilTestF > c.TESTMEUCHAD() && filing.RegilTestM > c.TESTMEUCHAD()) {
         filing.FilingMode = ModeSeparate;
         explainMode("הכנסת כל אחד מבני הזוג עולה על הסף: חישוב נפרד",
-                    {t(filing.RegilTestM).n, t(filing.RegilTestF).n, K(TESTMEUCHAD).n});
+                    {idOf(t(filing.RegilTestM)), idOf(t(filing.RegilTestF)), idOf(K(TESTMEUCHAD))});
         CalcOneMode();
         return;
     }
@@ -166,21 +173,22 @@ void Calculation::CalcNoTlut() {
     t.set(filing.MasNifrad, "מס מגיע בחישוב נפרד", taxDue());
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves the separate run
         filing.FilingMode = ModeJoint;
-        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד", {t(filing.MasMeuchad).n, t(filing.MasNifrad).n});
+        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
         CalcOneMode();
     } else {
-        explainMode("המס בחישוב נפרד אינו עולה על המס בחישוב מאוחד", {t(filing.MasNifrad).n, t(filing.MasMeuchad).n});
+        explainMode("המס בחישוב נפרד אינו עולה על המס בחישוב מאוחד", {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
     }
 }
 
 // Incomes with a dependence in their source: separate on property, or joint when cheaper.
-void Calculation::CalcTlut() {
+template <bool On>
+void Calculation<On>::CalcTlut() {
     t.set(filing.RegilPlusYegiaFTestM, "הכנסה בשיעור רגיל בצירוף יגיעת בן הזוג",
           t(filing.RegilTestM) + t(Yegia.TTLF));
     if (filing.RegilRechushTestF > c.TESTMEUCHAD() && filing.RegilPlusYegiaFTestM > c.TESTMEUCHAD()) {
         filing.FilingMode = ModeSeparateProperty;
         explainMode("הכנסות שני בני הזוג עולות על הסף: חישוב נפרד רכוש",
-                    {t(filing.RegilRechushTestF).n, t(filing.RegilPlusYegiaFTestM).n, K(TESTMEUCHAD).n});
+                    {idOf(t(filing.RegilRechushTestF)), idOf(t(filing.RegilPlusYegiaFTestM)), idOf(K(TESTMEUCHAD))});
         CalcOneMode();
         return;
     }
@@ -188,7 +196,7 @@ void Calculation::CalcTlut() {
     CalcOneMode();
     t.set(filing.MasMeuchad, "מס מגיע בחישוב מאוחד", taxDue());
     if (filing.RegilRechushTestF <= 0) {
-        explainMode("לבן הזוג אין הכנסה מרכוש בשיעור רגיל: חישוב מאוחד", {t(filing.RegilRechushTestF).n});
+        explainMode("לבן הזוג אין הכנסה מרכוש בשיעור רגיל: חישוב מאוחד", {idOf(t(filing.RegilRechushTestF))});
         return;
     }
     compared = true;
@@ -197,22 +205,24 @@ void Calculation::CalcTlut() {
     t.set(filing.MasNifrad, "מס מגיע בחישוב נפרד רכוש", taxDue());
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves mode 3
         filing.FilingMode = ModeJoint;
-        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד רכוש", {t(filing.MasMeuchad).n, t(filing.MasNifrad).n});
+        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד רכוש", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
         CalcOneMode();
     } else {
         explainMode("המס בחישוב נפרד רכוש אינו עולה על המס בחישוב מאוחד",
-                    {t(filing.MasNifrad).n, t(filing.MasMeuchad).n});
+                    {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
     }
 }
 
 // Every figure of a run starts at 0; only the filing state outlives it.
-void Calculation::ClearCalcState() { st = CalcState{}; }
+template <bool On>
+void Calculation<On>::ClearCalcState() { st = CalcState{}; }
 
-void Calculation::CalcOneMode() {
+template <bool On>
+void Calculation<On>::CalcOneMode() {
     const int mode = filing.FilingMode;
     ClearCalcState();
     out.ClearCalc();
-    if (t.rec) t.rec->beginRun();
+    if constexpr (On) t.rec->beginRun();
     filing.JointStage = mode == ModeJoint ? 1 : 0;
     Person& M = pM;
     for (;;) {
@@ -258,7 +268,8 @@ void Calculation::CalcOneMode() {
 
 // F's own computation: in the first pass of the joint mode up to the
 // deductions, in the separate modes from end to end.
-void Calculation::CalcPersonF() {
+template <bool On>
+void Calculation<On>::CalcPersonF() {
     Person& F = pF;
     GatherLines(F);
     if (st.isYegiaFGreater) GatherShared(F);
@@ -273,6 +284,9 @@ void Calculation::CalcPersonF() {
     Offset(F);
     BracketStep(F);
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace engine
 }  // namespace zelmor

@@ -82,7 +82,13 @@ struct Person {
     const Date& BirthDate;
 };
 
+// On: the calculation records its explanation (a sink was given). Without it
+// the figures are plain amounts and the arithmetic is the bare arithmetic.
+template <bool On>
 class Calculation {
+    using TA = typename Tracer<On>::A;  // an amount, traced when On
+    using TD = typename Tracer<On>::D;  // a double, traced when On
+
 public:
     Calculation(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
     CalcResult run(trace::Trace* sink = nullptr);  // CalcDoch
@@ -184,7 +190,7 @@ private:
     NishumOutput out;
     Person pM, pF;
     bool compared = false;
-    Tracer t;  // records the explanation when the run has a sink
+    Tracer<On> t;  // records the explanation when the run has a sink
 };
 
 // Interest and linkage of a balance to a date.

@@ -5,7 +5,8 @@
 namespace zelmor::engine {
 // Children by age band, weighted for the mother: newborn 0.5, 1-2 two, 3 two,
 // 4-5 two, 6-17 one, 18 half a point.
-TD Calculation::MothersWeights() const {
+template <bool On>
+auto Calculation<On>::MothersWeights() const -> TD {
     const auto& n = Nekudot;
     return K(YELED_EM_0) * t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_EM_1_2)) +
            countTimes(n.N260_3, K(YELED_EM_3)) + countTimes(n.N260_4, K(YELED_EM_4_5)) +
@@ -13,22 +14,25 @@ TD Calculation::MothersWeights() const {
 }
 
 // ...and for the father: newborn one, 1-2 two, 3 one (a 16-bit sum).
-TD Calculation::FathersWeights() const {
+template <bool On>
+auto Calculation<On>::FathersWeights() const -> TD {
     const auto& n = Nekudot;
     addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);  // raises on overflow
     return t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_AV_1_2)) + t.num(n.N260_3);
 }
 
 // A count times a whole number of points, checked as 16-bit counts are.
-TD Calculation::countTimes(const std::int16_t& count, TA points) const {
-    mulCount(count, static_cast<std::int16_t>(points.v.value()));  // raises on overflow
+template <bool On>
+auto Calculation<On>::countTimes(const std::int16_t& count, TA points) const -> TD {
+    mulCount(count, static_cast<std::int16_t>(val(points).value()));  // raises on overflow
     return t.num(count) * toD(points);
 }
 
 // A new immigrant: 42 months from the month of immigration, the first 18 at a
 // quarter point a month, the next 12 at a sixth, the last 12 at a twelfth;
 // the months that fall in the tax year count.
-TD Calculation::OlePoints(Date date) const {
+template <bool On>
+auto Calculation<On>::OlePoints(Date date) const -> TD {
     const int second = c.OLE_MONTHS1(), third = second + c.OLE_MONTHS2(), end = third + c.OLE_MONTHS3();
     TD total = t.k("0", 0.0);
     for (int i = 0; i < end; ++i)
@@ -39,7 +43,8 @@ TD Calculation::OlePoints(Date date) const {
 
 // A discharged soldier: points by the months from discharge to December of
 // the tax year; doubled for 24 months of service or more.
-TD Calculation::ChayalPoints(const Date& date, const std::int16_t& months) const {
+template <bool On>
+auto Calculation<On>::ChayalPoints(const Date& date, const std::int16_t& months) const -> TD {
     int y, m, d;
     date.ymd(y, m, d);
     const TD twelve = t.k("12", 12.0);
@@ -49,18 +54,19 @@ TD Calculation::ChayalPoints(const Date& date, const std::int16_t& months) const
                             (twelve - t.datePart(date, "חודש השחרור", m)));
     const TD none = t.k("0", 0.0);
     TD p = none;
-    if (n.v >= 1 && n.v <= 12)
+    if (val(n) >= 1 && val(n) <= 12)
         p = n / twelve;
-    else if (n.v >= 13 && n.v <= 24)
+    else if (val(n) >= 13 && val(n) <= 24)
         p = t.k("1", 1.0);
-    else if (n.v >= 25 && n.v <= 36)
+    else if (val(n) >= 25 && val(n) <= 36)
         p = (t.k("36", 36.0) - n) / twelve;
     if (months == 0) p = none;
     if (months >= c.CHAYAL_SHERUT_KAFUL()) p = p * t.k("2", 2.0);
     return p;
 }
 
-void Calculation::CalcCreditsM() {
+template <bool On>
+void Calculation<On>::CalcCreditsM() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
     const auto& pr = Pratim;
@@ -163,7 +169,8 @@ void Calculation::CalcCreditsM() {
     CreditsForPayments(pM);
 }
 
-void Calculation::CalcCreditsF() {
+template <bool On>
+void Calculation<On>::CalcCreditsF() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
     const TD NEKUDA = toD(K(NEKUDA));
@@ -197,7 +204,8 @@ void Calculation::CalcCreditsF() {
 }
 
 // The allowed bases of the credits for sums paid, for one column.
-void Calculation::CreditsForPayments(Person& p) {
+template <bool On>
+void Calculation<On>::CreditsForPayments(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
@@ -262,13 +270,14 @@ void Calculation::CreditsForPayments(Person& p) {
     t.set(s.OdefMishmarot, "שכר מעל תקרת המשמרות", t.floor0(t(p.N068) + t(p.N158) - K(MISHMAROTMAX)));
     TA shift = t(p.N068) - t(s.OdefMishmarot);
     const TD shiftRate = t.percent(K(ZIKUY_RATE_MISHMAROT));
-    if (shift.v.value() > c.MISHMAROTZIKUYMAX().value() / shiftRate.v) shift = R(K(MISHMAROTZIKUYMAX) / shiftRate);
+    if (val(shift).value() > c.MISHMAROTZIKUYMAX().value() / val(shiftRate)) shift = R(K(MISHMAROTZIKUYMAX) / shiftRate);
     t.set(HUTAR_Mishmarot, allowed, t.floor0(shift));
 }
 
 // The second pension limit for the credits: the pair of allowed pension and
 // life insurance bases that is worth more stays.
-void Calculation::KizvaLimitZikuy(Person& p) {
+template <bool On>
+void Calculation<On>::KizvaLimitZikuy(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
@@ -281,7 +290,7 @@ void Calculation::KizvaLimitZikuy(Person& p) {
                  t(p.N045) + t(p.N268) + t(p.N135) - t(s.NikuyKizva);
     const TA T = P + t(p.N036);
     TA L;
-    if (S.v == 0) {
+    if (val(S) == 0) {
         L = R(MinLong(I, K(HACH_MAX_ZIKUY)) * K(ZIKUY_KIZVA_ATZMAI));
     } else {
         const TA sachir = MinLong(K(HACHNASAMEZAKA_SACHIR), I);
@@ -293,7 +302,7 @@ void Calculation::KizvaLimitZikuy(Person& p) {
     const TA P1 = MinLong(P, L);
     const TA L1 = MinLong(MaxLong(MinLong(t(p.N036), L - P1), t.zero()), R(I * K(ZIKUY_BITUACH_TIKRA)));
     const double kizva = Percent(c.ZIKUY_RATE()), bituach = Percent(c.ZIKUY_RATE_BITUACH());
-    if (HUTAR_045 * kizva + HUTAR_036 * bituach < P1.v * kizva + L1.v * bituach) {
+    if (HUTAR_045 * kizva + HUTAR_036 * bituach < val(P1) * kizva + val(L1) * bituach) {
         t.set(HUTAR_045, "סכום מותר לזיכוי (לפי התקרה השנייה)", P1);
         t.set(HUTAR_036, "סכום מותר לזיכוי (לפי התקרה השנייה)", L1);
     }
@@ -301,7 +310,8 @@ void Calculation::KizvaLimitZikuy(Person& p) {
 
 // Residents of certain settlements: a share of earned taxable income up to the
 // settlement's ceiling, for the months of residence.
-void Calculation::Settlement(Person& p) {
+template <bool On>
+void Calculation<On>::Settlement(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& paid = p.isF ? z.N193 : z.N093;
@@ -322,5 +332,8 @@ void Calculation::Settlement(Person& p) {
     t.set(base, allowed, R(t(p.N093Month) / t.k("12", 12.0) * toD(t(base))));
     t.set(rate, "", t(p.N093Rate));
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

@@ -5,7 +5,8 @@
 #include "engine/calculation.h"
 
 namespace zelmor::engine {
-void Calculation::FirstDeductions(Person& p) {
+template <bool On>
+void Calculation<On>::FirstDeductions(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     // Study fund: the first 2.5% of the base does not count, the rest up to 4.5% does.
@@ -32,7 +33,8 @@ void Calculation::FirstDeductions(Person& p) {
 // Work-disability insurance: up to 2.5% of salary and business income. A loss
 // that makes the base negative counts as a base of 0, so the allowed amount
 // stays between 0 and the amount paid.
-void Calculation::WorkDisability(Person& p) {
+template <bool On>
+void Calculation<On>::WorkDisability(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     const TA base = t.floor0(MinLong(t(p.N158) + t(p.N150), t(s.HachnasaAcharei)));
@@ -43,7 +45,8 @@ void Calculation::WorkDisability(Person& p) {
     t.set(s.HachnasaKizva, "הכנסה לעניין ניכוי קצבה", t(s.HachnasaAcharei));
 }
 
-bool Calculation::isOlderForPension(const Person& p) const {
+template <bool On>
+bool Calculation<On>::isOlderForPension(const Person& p) const {
     if (p.BirthDate.isNull()) return false;
     int y, m, d;
     p.BirthDate.ymd(y, m, d);
@@ -52,7 +55,8 @@ bool Calculation::isOlderForPension(const Person& p) const {
 
 // Pension: the salary and self-employed shares of income, the general limit
 // and the limit of the older person.
-void Calculation::Pension(Person& p) {
+template <bool On>
+void Calculation<On>::Pension(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     const TA salary = t(p.N068) + t(p.N158);
@@ -65,7 +69,7 @@ void Calculation::Pension(Person& p) {
     t.set(s.ChelekSachir, "הכנסה מזכה ממשכורת", MinLong(t(s.ChelekSachir), K(HACHNASAMEZAKA_SACHIR)));
     // W: the salary without a pension of its own.
     TA W = salary - t(p.N244);
-    if (salary.v > c.HACH_MAX_NIKUY()) W = W - (salary - K(HACH_MAX_NIKUY));
+    if (val(salary) > c.HACH_MAX_NIKUY()) W = W - (salary - K(HACH_MAX_NIKUY));
     W = MinLong(t.floor0(W), t(s.ChelekSachir));
     t.set(s.ChelekAtzmai, "הכנסה מזכה שאינה ממשכורת",
           MinLong(t(s.ChelekAtzmai), K(HACHNASAMEZAKA) - t(s.ChelekSachir)));
@@ -97,11 +101,12 @@ void Calculation::Pension(Person& p) {
 
 // The second pension limit, for deposits of at least KIZVA_MIN: 11% of the
 // insured-free income up to the qualifying income, 7% and 4% above it.
-void Calculation::KizvaLimitNikuy(Person& p) {
+template <bool On>
+void Calculation<On>::KizvaLimitNikuy(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     const TA A = t(p.N248) + t(p.N135);
-    if (A.v < c.KIZVA_MIN()) return;
+    if (val(A) < c.KIZVA_MIN()) return;
     const TA I = t(s.HachnasaKizva);
     const TA S = t.floor0(t(p.N244));
     const TA qual = p.isF ? K(HACHNASAMEZAKA_SACHIR) : K(HACHNASA_AMIT_AZMAI);
@@ -113,13 +118,14 @@ void Calculation::KizvaLimitNikuy(Person& p) {
     const TA X2 = MinLong(A - X1, R(S2 * K(KIZVA2_SACHIR)));
     TA X3 = MinLong(A - X1 - X2, R(S2 * K(KIZVA2_TOSEFET)));
     X3 = MinLong(X3, MaxLong(t.zero(), A - K(KIZVA_MIN)));
-    if (S2.v * c.KIZVA2_MIVCHAN() > (A.v - X1.v).value()) X3 = t.zero();
+    if (val(S2) * c.KIZVA2_MIVCHAN() > (val(A) - val(X1)).value()) X3 = t.zero();
     const TA L = MinLong(t(p.N135), X1 + X2 + X3);
-    if (L.v > s.NikuyKizva) t.set(s.NikuyKizva, "ניכוי לקצבה (לפי התקרה השנייה)", L);
+    if (val(L) > s.NikuyKizva) t.set(s.NikuyKizva, "ניכוי לקצבה (לפי התקרה השנייה)", L);
 }
 
 // Second pass of the joint mode: F's study fund and pension deductions join M's.
-void Calculation::JoinPersons() {
+template <bool On>
+void Calculation<On>::JoinPersons() {
     t.who('M');
     t.set(st.M.NikuyHishtalmut, "ניכוי לקרן השתלמות של שני בני הזוג", t(st.M.NikuyHishtalmut) + t(st.F.NikuyHishtalmut));
     t.set(st.SavedKizvaM, "ניכוי לקצבה של הנישום", t(st.M.NikuyKizva));
@@ -129,7 +135,8 @@ void Calculation::JoinPersons() {
     t.moved(st.F.NikuyKizva, "הועבר לנישום");
 }
 
-void Calculation::TotalDeductions(Person& p) {
+template <bool On>
+void Calculation<On>::TotalDeductions(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     t.set(s.NikuimBeforeBL, "ניכויים לפני ביטוח לאומי", t(s.NikuimRishon) + t(s.NikuyKizva));
@@ -138,5 +145,8 @@ void Calculation::TotalDeductions(Person& p) {
     t.set(s.NikuimKolel, "סה\"כ ניכויים", t(s.NikuyBL) + t(s.NikuimBeforeBL));
     t.set(s.HachnasaChayevet, "הכנסה חייבת", t.floor0(t(s.HachnasaKolel) - t(s.NikuimKolel)));
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

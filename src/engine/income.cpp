@@ -10,13 +10,15 @@
 
 namespace zelmor::engine {
 // Adds the second field into the first and empties the second.
-void Calculation::moveInto(Amount& to, Amount& from) {
+template <bool On>
+void Calculation<On>::moveInto(Amount& to, Amount& from) {
     t.set(to, "בצירוף בן הזוג", t(to) + t(from));
     t.moved(from, "הועבר לנישום");
 }
 
 // Modes 3 and 4: F's earned lines (and the insured salary) join M's.
-void Calculation::MergeYegia() {
+template <bool On>
+void Calculation<On>::MergeYegia() {
     auto& y = Yegia;
     t.who('M');
     moveInto(y.N150, y.N170);
@@ -32,7 +34,8 @@ void Calculation::MergeYegia() {
 
 // Mode 4, second pass: F's other lines, deductions and credits are added to
 // M's; F's fields keep their values.
-void Calculation::MergeRechush() {
+template <bool On>
+void Calculation<On>::MergeRechush() {
     auto& y = Yegia;
     auto& r = Rechush;
     auto& n = Nikuim;
@@ -49,23 +52,25 @@ void Calculation::MergeRechush() {
 }
 
 // The merged fields get the user's figures back.
-void Calculation::RestoreYegia() {
+template <bool On>
+void Calculation<On>::RestoreYegia() {
     Yegia = report.Yegia;
     Nikuim.N244 = report.Nikuim.N244;
     Nikuim.N245 = report.Nikuim.N245;
-    if (t.rec) {
+    if constexpr (On) {
         t.rec->forget(&Yegia, &Yegia + 1);
         t.rec->forget(&Nikuim.N244, &Nikuim.N244 + 1);
         t.rec->forget(&Nikuim.N245, &Nikuim.N245 + 1);
     }
 }
 
-void Calculation::RestoreRechush() {
+template <bool On>
+void Calculation<On>::RestoreRechush() {
     Yegia = report.Yegia;
     Rechush = report.Rechush;
     Nikuim = report.Nikuim;
     Zikuim = report.Zikuim;
-    if (t.rec) {
+    if constexpr (On) {
         t.rec->forget(&Yegia, &Yegia + 1);
         t.rec->forget(&Rechush, &Rechush + 1);
         t.rec->forget(&Nikuim, &Nikuim + 1);
@@ -74,7 +79,8 @@ void Calculation::RestoreRechush() {
 }
 
 // The sum of a derived total's parts in the run's copy of the earned lines.
-TA Calculation::yegiaTotal(const char* total) const {
+template <bool On>
+auto Calculation<On>::yegiaTotal(const char* total) const -> TA {
     for (const DerivedTotal& d : derivedTotals()) {
         if (d.section != SectionId::Yegia || std::string_view(d.total) != total) continue;
         TA sum = t.zero();
@@ -87,9 +93,10 @@ TA Calculation::yegiaTotal(const char* total) const {
 
 // Earned income of both persons, and who carries the lines of both spouses:
 // F only when F earned more.
-void Calculation::EarnedIncome() {
+template <bool On>
+void Calculation<On>::EarnedIncome() {
     const char* name = "הכנסה מיגיעה אישית";
-    if (t.rec) {
+    if constexpr (On) {
         t.who('M');
         t.set(st.M.HachnasaYegia, name, yegiaTotal("TTLM"));
         t.who('F');
@@ -102,7 +109,8 @@ void Calculation::EarnedIncome() {
 }
 
 // The person's own lines.
-void Calculation::GatherLines(Person& p) {
+template <bool On>
+void Calculation<On>::GatherLines(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     t.set(p.chN201, "", t(p.N201));
@@ -128,7 +136,8 @@ void Calculation::GatherLines(Person& p) {
 }
 
 // The lines of both spouses, on top of the person's own.
-void Calculation::GatherShared(Person& p) {
+template <bool On>
+void Calculation<On>::GatherShared(Person& p) {
     PersonState& s = p.st;
     const auto& r = Rechush;
     const auto& pt = Pturot;
@@ -155,7 +164,8 @@ void Calculation::GatherShared(Person& p) {
 
 // Total income of the person: regular-rate property, earned, and the
 // special-rate lines that count in the total.
-void Calculation::TotalIncome(Person& p) {
+template <bool On>
+void Calculation<On>::TotalIncome(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     t.set(s.RechushRagil, "הכנסה מרכוש בשיעור רגיל",
@@ -173,12 +183,14 @@ void Calculation::TotalIncome(Person& p) {
 }
 
 // Below 0 it is 0; above hi it is hi.
-TA Calculation::clamp(TA v, TA hi) const { return MinLong(MaxLong(v, t.zero()), hi); }
+template <bool On>
+auto Calculation<On>::clamp(TA v, TA hi) const -> TA { return MinLong(MaxLong(v, t.zero()), hi); }
 
 // While regular income stays under the top of bracket 3, part of the 35%, the
 // 40% and the high limited-rate lines is taxed on the regular scales; then the
 // two scales, the age rule and the netting of losses.
-void Calculation::ShiftToRegular(Person& p) {
+template <bool On>
+void Calculation<On>::ShiftToRegular(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     const TA B = t(s.RechushRagil) + t(s.HachnasaYegia);
@@ -214,7 +226,8 @@ void Calculation::ShiftToRegular(Person& p) {
 
 // Deductions go against the non-earned scale, then the earned scale, then the
 // special-rate lines from the highest rate down.
-void Calculation::Offset(Person& p) {
+template <bool On>
+void Calculation<On>::Offset(Person& p) {
     PersonState& s = p.st;
     t.who(p.isF ? 'F' : 'M');
     t.set(s.KizuzLoYegia, "ניכויים שקוזזו מהכנסה שלא מיגיעה אישית", MinLong(t(s.NikuimKolel), t(s.BasisLoYegia)));
@@ -230,7 +243,8 @@ void Calculation::Offset(Person& p) {
 }
 
 // One line of the chain: offset first by deductions, then by the loss.
-void Calculation::OffsetChainStep(Amount& net, const Amount& line) {
+template <bool On>
+void Calculation<On>::OffsetChainStep(Amount& net, const Amount& line) {
     TA x = t(line);
     const TA a = MinLong(t(st.ChainNikuim), x);
     t.set(st.ChainNikuim, "יתרת ניכויים", t(st.ChainNikuim) - a);
@@ -241,7 +255,8 @@ void Calculation::OffsetChainStep(Amount& net, const Amount& line) {
     t.set(net, "הכנסה לאחר קיזוז ניכויים והפסדים", x);
 }
 
-void Calculation::OffsetChain(Person& p) {
+template <bool On>
+void Calculation<On>::OffsetChain(Person& p) {
     PersonState& s = p.st;
     const Amount rate = Rechush.AcheretRate;
     if (rate >= c.RATE_N214()) OffsetChainStep(s.NetAcheretGavoha, s.YitraAcheret);
@@ -263,5 +278,8 @@ void Calculation::OffsetChain(Person& p) {
     OffsetChainStep(s.NetInfla, s.LineInfla);
     if (rate <= c.RATE_INFLA()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

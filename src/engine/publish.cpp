@@ -6,7 +6,8 @@
 
 namespace zelmor::engine {
 
-void Calculation::PublishResults() {
+template <bool On>
+void Calculation<On>::PublishResults() {
     PublishHachnasot();
     PublishNikuim();
     PublishHishuv();
@@ -19,7 +20,8 @@ void Calculation::PublishResults() {
     CalcBLF();
 }
 
-void Calculation::PublishHachnasot() {
+template <bool On>
+void Calculation<On>::PublishHachnasot() {
     auto& h = out.Hachnasot;
     auto& y = Yegia;
     t.who('M');
@@ -62,7 +64,8 @@ void Calculation::PublishHachnasot() {
     }
 }
 
-void Calculation::PublishNikuim() {
+template <bool On>
+void Calculation<On>::PublishNikuim() {
     auto& n = out.Nikuim;
     const auto& f = Nikuim;
     const PersonState& M = st.M;
@@ -110,7 +113,8 @@ void Calculation::PublishNikuim() {
     t.set(n.TTLF2, left, t(n.TTLF1) - t(n.TTLF3) - t(n.TTLF0));
 }
 
-void Calculation::PublishHishuv() {
+template <bool On>
+void Calculation<On>::PublishHishuv() {
     auto& h = out.Hishuv;
     const auto msum = BracketSums(h, false), fsum = BracketSums(h, true);
     Amount* mmas[] = {&h.MMAS_1, &h.MMAS_2, &h.MMAS_3, &h.MMAS_4, &h.MMAS_5, &h.MMAS_6, &h.MMAS_7};
@@ -138,13 +142,14 @@ void Calculation::PublishHishuv() {
 
 // The pool of exempt interest, once for both persons: low total income, age
 // 65, and a small qualifying pension open it.
-void Calculation::ExemptInterestPool() {
+template <bool On>
+void Calculation<On>::ExemptInterestPool() {
     const char* pool = "יתרת פטור על ריבית";
     t.who(0);
     const TA T = t(filing.HachnasaTestM) + t(filing.HachnasaTestF);
-    if (T.v <= c.HACHNASA_NEMUCHA())
+    if (val(T) <= c.HACHNASA_NEMUCHA())
         t.set(st.PtorRibitYitra, pool, K(PTOR_RIBIT_NEMUCHA));
-    else if (T.v <= c.HACHNASA_NEMUCHA() + c.PTOR_RIBIT_NEMUCHA())
+    else if (val(T) <= c.HACHNASA_NEMUCHA() + c.PTOR_RIBIT_NEMUCHA())
         t.set(st.PtorRibitYitra, pool, K(PTOR_RIBIT_NEMUCHA) - (T - K(HACHNASA_NEMUCHA)));
     else
         t.set(st.PtorRibitYitra, pool, t.zero());
@@ -161,10 +166,10 @@ void Calculation::ExemptInterestPool() {
     TA Q = t(M.LineN217) + t(M.LineN226) + t(M.LineN242) + t(F.LineN217) + t(F.LineN226) + t(F.LineN242);
     const TA V1 = t(filing.HachnasaTestM) - t(M.LineN217) - t(M.LineN226) - t(M.LineN242);
     const TA V2 = t(filing.HachnasaTestF) - t(F.LineN217) - t(F.LineN226) - t(F.LineN242);
-    const TA V = V2.v > V1.v ? V2 : V1;
+    const TA V = val(V2) > val(V1) ? V2 : V1;
     const int man = c.GIL_PTOR_RIBIT_GEVER(), woman = c.GIL_PTOR_RIBIT_ISHA();
     const bool ageTest = Pratim.isFemale ? (ageF >= man || ageM >= woman) : (ageM >= man || ageF >= woman);
-    if (V.v <= c.KIZVA_MEZAKA() && ageTest) {
+    if (val(V) <= c.KIZVA_MEZAKA() && ageTest) {
         Q = MinLong(Q, K(KIZVA_MEZAKA) - V);
         t.set(st.PtorRibitYitra, pool, R(Q * K(PTOR_RIBIT_KIZVA) + t(st.PtorRibitYitra)));
     }
@@ -183,7 +188,8 @@ struct MeyuchadRow {
 
 }  // namespace
 
-void Calculation::PublishMeyuchad() {
+template <bool On>
+void Calculation<On>::PublishMeyuchad() {
     auto& m = out.Meyuchad;
     ExemptInterestPool();
     Amount& masSum = st.MeyuchadMasSum;  // running totals of the column
@@ -258,7 +264,8 @@ void Calculation::PublishMeyuchad() {
 
 // The sums of the credit points and the credit lines, each line's credit
 // rounded by itself.
-void Calculation::PublishZikuim() {
+template <bool On>
+void Calculation<On>::PublishZikuim() {
     auto& z = out.Zikuim;
     const auto& k = Zikuim;
     const char* points = "זיכוי בעד נקודות זיכוי";
@@ -317,7 +324,8 @@ void Calculation::PublishZikuim() {
          z.ZIKUY_MishmarotF);
 }
 
-void Calculation::PublishTashlumim() {
+template <bool On>
+void Calculation<On>::PublishTashlumim() {
     auto& t2 = out.Tashlumim;
     const auto& s = Tashlumim;
     const std::pair<Amount*, const Amount*> copies[] = {
@@ -335,7 +343,8 @@ void Calculation::PublishTashlumim() {
 // The summary: income to tax due and the balance after payments. Credits that
 // find no tax are lost; the tax of the registered spouse does not fall below
 // the tax on rent, foreign rent and gambling, which credits do not reach.
-void Calculation::PublishMain() {
+template <bool On>
+void Calculation<On>::PublishMain() {
     auto& m = out.Main;
     auto& z = out.Zikuim;
     const auto& me = out.Meyuchad;
@@ -352,7 +361,7 @@ void Calculation::PublishMain() {
     t.set(m.ZikuimM, "זיכויים ממס", t(st.M.ZikuimSum));
     t.set(m.MasMagiaM, taxDueName, t(m.MasBrutoM) - t(m.ZikuimM));
     const TA untouched = t(me.MAS_222) + t(me.MAS_225) + t(me.MAS_227);
-    if (m.MasMagiaM < untouched.v)
+    if (m.MasMagiaM < val(untouched))
         t.set(m.MasMagiaM, taxDueName, MaxLong(t(m.MasMagiaM), t.name("מס על שכר דירה, שכר דירה מחו\"ל והימורים", untouched)));
     t.who('F');
     t.set(m.HachnasotF, "", t(out.Hachnasot.TTLF));
@@ -383,5 +392,8 @@ void Calculation::PublishMain() {
     t.who(0);
     t.set(m.MasLetashlumTTL, "", t(m.MasLetashlumM) + t(m.MasLetashlumF));
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/amount.h"
+#include "core/tax_year.h"
 #include "engine/trace.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"
@@ -152,10 +153,26 @@ inline TA MaxLong(TA a, TA b) {
     return r;
 }
 
+// The value of a figure, traced or not.
+inline Amount val(TA a) { return a.v; }
+inline double val(TD d) { return d.v; }
+inline Amount val(Amount a) { return a; }
+inline double val(double d) { return d; }
+inline double toD(Amount a) { return a.value(); }
+// The node that explains a figure; -1 when nothing is recorded.
+inline int idOf(TA a) { return a.n; }
+inline int idOf(Amount) { return -1; }
+
+template <bool On>
+class Tracer;
+
 // The calculation's handle on the recorder: reads figures into traced values
 // and writes traced values into figures under the name of their rule.
-class Tracer {
+template <>
+class Tracer<true> {
 public:
+    using A = TA;
+    using D = TD;
     Recorder* rec = nullptr;
 
     TA operator()(const Amount& a) const { return {a, rec ? rec->nodeOf(&a, a.value()) : -1}; }
@@ -205,6 +222,34 @@ public:
     void who(char s) const {
         if (rec) rec->spouse = s;
     }
+};
+
+// Without a sink: the figures are the plain ones, nothing is recorded.
+template <>
+class Tracer<false> {
+public:
+    using A = Amount;
+    using D = double;
+    static constexpr Recorder* rec = nullptr;
+
+    const Amount& operator()(const Amount& a) const { return a; }
+    double operator()(const double& d) const { return d; }
+    Amount operator()(const std::int32_t& i) const { return Amount(i); }
+    template <class I>
+    double num(const I& i) const { return static_cast<double>(i); }
+    Amount k(const char*, Amount v) const { return v; }
+    double k(const char*, double v) const { return v; }
+    Amount k(const char*, int v) const { return Amount(v); }
+    double percent(Amount rate) const { return Percent(rate.value()); }
+    Amount zero() const { return 0; }
+    Amount floor0(Amount v) const { return MaxLong(v, 0); }
+    void set(Amount& dst, const char*, Amount x) const { dst = x; }
+    void set(double& dst, const char*, double x) const { dst = x; }
+    double datePart(const Date&, const char*, int value) const { return value; }
+    Amount name(const char*, Amount x) const { return x; }
+    double name(const char*, double x) const { return x; }
+    void moved(Amount& dst, const char*) const { dst = 0; }
+    void who(char) const {}
 };
 
 // A constant of the year by its name.
