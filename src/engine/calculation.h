@@ -143,6 +143,12 @@ private:
     TD MothersWeights() const;
     TD FathersWeights() const;
     TD countTimes(const std::int16_t& count, TA points) const;
+    void PointsCredit(double& zikuy, const double& points);
+    struct PointCells {
+        double &ole, &oleCredit, &soldier, &soldierCredit, &degree, &degreeCredit;
+    };
+    void PersonalPoints(const PointCells& cells, Date ole, const Date& discharge, const std::int16_t& months,
+                        std::int32_t degree);
     void CreditsForPayments(Person& p);
     void KizvaLimitZikuy(Person& p);
     void Settlement(Person& p);

@@ -65,26 +65,44 @@ auto Calculation<On>::ChayalPoints(const Date& date, const std::int16_t& months)
     return p;
 }
 
+// The worth of a line's points.
+template <bool On>
+void Calculation<On>::PointsCredit(double& zikuy, const double& points) {
+    t.set(zikuy, "זיכוי בעד נקודות", toD(K(NEKUDA)) * t(points));
+}
+
+// Immigrant, discharged soldier and degree: the points of one person and their worth.
+template <bool On>
+void Calculation<On>::PersonalPoints(const PointCells& cells, Date ole, const Date& discharge,
+                                     const std::int16_t& months, std::int32_t degree) {
+    const char* points = "נקודות זיכוי";
+    t.set(cells.ole, points, OlePoints(ole));
+    PointsCredit(cells.oleCredit, cells.ole);
+    t.set(cells.soldier, points, ChayalPoints(discharge, months));
+    PointsCredit(cells.soldierCredit, cells.soldier);
+    t.set(cells.degree, points,
+          degree >= 1 && degree <= 4 ? K(NEKUDOT_TOAR) : degree == 5 ? K(NEKUDOT_TOAR_SHENI) : t.k("0", 0.0));
+    PointsCredit(cells.degreeCredit, cells.degree);
+}
+
 template <bool On>
 void Calculation<On>::CalcCreditsM() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
     const auto& pr = Pratim;
-    const TD NEKUDA = toD(K(NEKUDA));
     const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
     const int mode = filing.FilingMode;
     const char* points = "נקודות זיכוי";
-    const auto credit = [&](double& zikuy, const double& nekuda) { t.set(zikuy, "זיכוי בעד נקודות", NEKUDA * t(nekuda)); };
     t.who('M');
 
     // Line 54: resident; a woman has half a point more, resident or not.
     if (k.N020) {
         t.set(z.NEKUDA_020M, points, K(NEKUDOT_TOSHAV));
-        credit(z.ZIKUY_020M, z.NEKUDA_020M);
+        PointsCredit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
     if (pr.isFemale) {
         t.set(z.NEKUDA_020M, points, t(z.NEKUDA_020M) + K(NEKUDOT_ISHA));
-        credit(z.ZIKUY_020M, z.NEKUDA_020M);
+        PointsCredit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
 
     // Spouse lines, only when the couple is computed together.
@@ -95,11 +113,11 @@ void Calculation<On>::CalcCreditsM() {
                              (!woman.isNull() && woman < c.GIL_PRISHA_ISHA());
         if (retired && k.N020 && (filing.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
             t.set(z.NEKUDA_021M, points, one);
-            credit(z.ZIKUY_021M, z.NEKUDA_021M);
+            PointsCredit(z.ZIKUY_021M, z.NEKUDA_021M);
         }
         if (k.N020 && Yegia.TTLF > 0) {
             t.set(z.NEKUDA_021AM, points, k.N260 >= 1 ? K(NEKUDOT_021A_YELADIM) : K(NEKUDOT_021A));
-            credit(z.ZIKUY_021AM, z.NEKUDA_021AM);
+            PointsCredit(z.ZIKUY_021AM, z.NEKUDA_021AM);
         }
         if (mode == ModeAlone) {
             t.set(z.NEKUDA_021AM, points, none);
@@ -107,7 +125,7 @@ void Calculation<On>::CalcCreditsM() {
         }
         if (Yegia.TTLF < 1 && k.N020 && (k.N025 || Klaliim.isBZOzer)) {
             t.set(z.NEKUDA_025M, points, k.N260 >= 1 ? K(NEKUDOT_025_YELADIM) : K(NEKUDOT_025));
-            credit(z.ZIKUY_025M, z.NEKUDA_025M);
+            PointsCredit(z.ZIKUY_025M, z.NEKUDA_025M);
         }
     }
 
@@ -116,13 +134,13 @@ void Calculation<On>::CalcCreditsM() {
     const auto youth = [&](int age) { return age >= c.GIL_NOAR_MIN() && age <= c.GIL_NOAR_MAX(); };
     if (youth(ageM) || youth(ageF)) {
         t.set(z.NEKUDA_020AM, points, one);
-        credit(z.ZIKUY_020AM, z.NEKUDA_020AM);
+        PointsCredit(z.ZIKUY_020AM, z.NEKUDA_020AM);
     }
 
     // Line 57: alimony, married again.
     if (k.N028) {
         t.set(z.NEKUDA_028M, points, one);
-        credit(z.ZIKUY_028M, z.NEKUDA_028M);
+        PointsCredit(z.ZIKUY_028M, z.NEKUDA_028M);
     }
 
     // Line 58: children.
@@ -132,18 +150,18 @@ void Calculation<On>::CalcCreditsM() {
         t.set(z.NEKUDA_260M, points, MothersWeights());
         if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) t.set(z.NEKUDA_260F, points, FathersWeights());
     }
-    credit(z.ZIKUY_260M, z.NEKUDA_260M);
-    credit(z.ZIKUY_260F, z.NEKUDA_260F);
+    PointsCredit(z.ZIKUY_260M, z.NEKUDA_260M);
+    PointsCredit(z.ZIKUY_260F, z.NEKUDA_260F);
 
     // Line 60: children who do not live with the person.
     t.set(z.NEKUDA_029M, points, k.N029 ? one : none);
-    credit(z.ZIKUY_029M, z.NEKUDA_029M);
+    PointsCredit(z.ZIKUY_029M, z.NEKUDA_029M);
 
     // Line 59: single-parent family.
     if ((k.N260 >= 1 && k.N026 && !pr.isNasuy && !k.N021) ||
         (k.N260 >= 1 && !k.N021 && (pr.isAlman || pr.isGarush || pr.isRavak))) {
         t.set(z.NEKUDA_026M, points, one);
-        credit(z.ZIKUY_026M, z.NEKUDA_026M);
+        PointsCredit(z.ZIKUY_026M, z.NEKUDA_026M);
     }
 
     // Line 61: supported persons without physical ability, two points each;
@@ -154,17 +172,12 @@ void Calculation<On>::CalcCreditsM() {
         t.set(z.NEKUDA_023, points, t(z.NEKUDA_023) + t.num(k.N131));
         t.set(z.NEKUDA_131, points, none);
     }
-    if (z.NEKUDA_023 > 0) credit(z.ZIKUY_023, z.NEKUDA_023);
-    if (z.NEKUDA_131 > 0) credit(z.ZIKUY_131, z.NEKUDA_131);
+    if (z.NEKUDA_023 > 0) PointsCredit(z.ZIKUY_023, z.NEKUDA_023);
+    if (z.NEKUDA_131 > 0) PointsCredit(z.ZIKUY_131, z.NEKUDA_131);
 
     // Lines 62 to 64: immigrant, discharged soldier, degree.
-    t.set(z.NEKUDA_OleM, points, OlePoints(k.OleDateM));
-    credit(z.ZIKUY_OleM, z.NEKUDA_OleM);
-    t.set(z.NEKUDA_224, points, ChayalPoints(k.N224, k.N024));
-    credit(z.ZIKUY_224, z.NEKUDA_224);
-    t.set(z.NEKUDA_181, points,
-          k.N181 >= 1 && k.N181 <= 4 ? K(NEKUDOT_TOAR) : k.N181 == 5 ? K(NEKUDOT_TOAR_SHENI) : none);
-    credit(z.ZIKUY_181, z.NEKUDA_181);
+    PersonalPoints({z.NEKUDA_OleM, z.ZIKUY_OleM, z.NEKUDA_224, z.ZIKUY_224, z.NEKUDA_181, z.ZIKUY_181}, k.OleDateM,
+                   k.N224, k.N024, k.N181);
 
     CreditsForPayments(pM);
 }
@@ -173,32 +186,25 @@ template <bool On>
 void Calculation<On>::CalcCreditsF() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
-    const TD NEKUDA = toD(K(NEKUDA));
     const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
     const char* points = "נקודות זיכוי";
-    const auto credit = [&](double& zikuy, const double& nekuda) { t.set(zikuy, "זיכוי בעד נקודות", NEKUDA * t(nekuda)); };
     t.who('F');
     if (k.N020) {
         t.set(z.NEKUDA_020F, points, K(NEKUDOT_TOSHAV));
-        credit(z.ZIKUY_020F, z.NEKUDA_020F);
+        PointsCredit(z.ZIKUY_020F, z.NEKUDA_020F);
     }
     if (!Pratim.isFemale) {  // the spouse is the woman
         t.set(z.NEKUDA_020F, points, t(z.NEKUDA_020F) + K(NEKUDOT_ISHA));
-        credit(z.ZIKUY_020F, z.NEKUDA_020F);
+        PointsCredit(z.ZIKUY_020F, z.NEKUDA_020F);
         t.set(z.NEKUDA_260F, points, MothersWeights());
         t.set(z.NEKUDA_260M, points, FathersWeights());
     }
-    credit(z.ZIKUY_260F, z.NEKUDA_260F);
-    credit(z.ZIKUY_260M, z.NEKUDA_260M);
+    PointsCredit(z.ZIKUY_260F, z.NEKUDA_260F);
+    PointsCredit(z.ZIKUY_260M, z.NEKUDA_260M);
     t.set(z.NEKUDA_129, points, k.N129 ? one : none);
-    credit(z.ZIKUY_129, z.NEKUDA_129);
-    t.set(z.NEKUDA_OleF, points, OlePoints(k.OleDateF));
-    credit(z.ZIKUY_OleF, z.NEKUDA_OleF);
-    t.set(z.NEKUDA_324, points, ChayalPoints(k.N324, k.N124));
-    credit(z.ZIKUY_324, z.NEKUDA_324);
-    t.set(z.NEKUDA_182, points,
-          k.N182 >= 1 && k.N182 <= 4 ? K(NEKUDOT_TOAR) : k.N182 == 5 ? K(NEKUDOT_TOAR_SHENI) : none);
-    credit(z.ZIKUY_182, z.NEKUDA_182);
+    PointsCredit(z.ZIKUY_129, z.NEKUDA_129);
+    PersonalPoints({z.NEKUDA_OleF, z.ZIKUY_OleF, z.NEKUDA_324, z.ZIKUY_324, z.NEKUDA_182, z.ZIKUY_182}, k.OleDateF,
+                   k.N324, k.N124, k.N182);
 
     CreditsForPayments(pF);
 }
