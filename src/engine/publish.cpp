@@ -340,55 +340,56 @@ void Calculation<On>::PublishTashlumim() {
     for (const auto& [cell, line] : copies) t.set(*cell, "", t(*line));
 }
 
-// The summary: income to tax due and the balance after payments. Credits that
-// find no tax are lost; the tax of the registered spouse does not fall below
-// the tax on rent, foreign rent and gambling, which credits do not reach.
+// The summary: income to tax due and the balance after payments.
 template <bool On>
 void Calculation<On>::PublishMain() {
     auto& m = out.Main;
     auto& z = out.Zikuim;
     const auto& me = out.Meyuchad;
+    // One column of the summary: the person's cells and the figures they are made of.
+    struct Column {
+        char who;
+        Amount &Hachnasot, &Nikuim, &HachnasaNet, &MasRagil, &MasMeyuchad, &Hetel, &MasBruto, &Zikuim, &MasMagia,
+            &Tashlumim, &MasLetashlum, &ZikuyOdef, &ZikuyTTL;
+        const Amount &income, &offset, &regularTax, &specialTax, &payments, &credits;
+    };
     const char* taxDueName = "מס מגיע";
-    t.who('M');
-    t.set(m.HachnasotM, "", t(out.Hachnasot.TTLM));
-    t.set(m.NikuimM, "", t(out.Nikuim.TTLM3));
-    t.set(m.HachnasaNetM, "", t(m.HachnasotM) - t(m.NikuimM));
-    t.set(m.MasRagilM, "", t(out.Hishuv.MMAS_TTL));
-    t.set(m.MasMeyuchadM, "", t(me.MMAS_TTL));
-    // No levy on high incomes applies in this tax year: both bases are 0.
-    t.set(m.HetelM, "היטל", t.k("HETEL", PhasedLevy(0, 0)));
-    t.set(m.MasBrutoM, "", t(m.MasRagilM) + t(m.MasMeyuchadM) + t(m.HetelM));
-    t.set(m.ZikuimM, "זיכויים ממס", t(st.M.ZikuimSum));
-    t.set(m.MasMagiaM, taxDueName, t(m.MasBrutoM) - t(m.ZikuimM));
-    const TA untouched = t(me.MAS_222) + t(me.MAS_225) + t(me.MAS_227);
-    if (m.MasMagiaM < val(untouched))
-        t.set(m.MasMagiaM, taxDueName, MaxLong(t(m.MasMagiaM), t.name("מס על שכר דירה, שכר דירה מחו\"ל והימורים", untouched)));
-    t.who('F');
-    t.set(m.HachnasotF, "", t(out.Hachnasot.TTLF));
-    t.set(m.NikuimF, "", t(out.Nikuim.TTLF3));
-    t.set(m.HachnasaNetF, "", t(m.HachnasotF) - t(m.NikuimF));
-    t.set(m.MasRagilF, "", t(out.Hishuv.FMAS_TTL));
-    t.set(m.MasMeyuchadF, "", t(me.FMAS_TTL));
-    t.set(m.HetelF, "היטל", t.k("HETEL", PhasedLevy(0, 0)));
-    t.set(m.MasBrutoF, "", t(m.MasRagilF) + t(m.MasMeyuchadF) + t(m.HetelF));
-    t.set(m.ZikuimF, "זיכויים ממס", t(st.F.ZikuimSum));
-    t.set(m.MasMagiaF, taxDueName, t(m.MasBrutoF) - t(m.ZikuimF));
-    if (m.MasMagiaF < 0) t.set(m.MasMagiaF, taxDueName, MaxLong(t(m.MasMagiaF), t.zero()));
-
-    const char* lost = "זיכויים שלא נוצלו";
-    const char* credits = "סה\"כ זיכויים";
-    t.who('M');
-    t.set(z.ZIKUY_ODEF_M, lost, t(m.MasBrutoM) - t(m.ZikuimM) - t(m.MasMagiaM));
-    t.set(z.ZIKUY_TTL_M, credits, t(st.M.ZikuimSum) + t(z.ZIKUY_ODEF_M));
-    t.set(m.ZikuimM, "", t(z.ZIKUY_TTL_M));
-    t.set(m.TashlumimM, "", t(out.Tashlumim.TTLM));
-    t.set(m.MasLetashlumM, "", t(m.MasMagiaM) - t(m.TashlumimM));
-    t.who('F');
-    t.set(z.ZIKUY_ODEF_F, lost, t(m.MasBrutoF) - t(m.ZikuimF) - t(m.MasMagiaF));
-    t.set(z.ZIKUY_TTL_F, credits, t(st.F.ZikuimSum) + t(z.ZIKUY_ODEF_F));
-    t.set(m.ZikuimF, "", t(z.ZIKUY_TTL_F));
-    t.set(m.TashlumimF, "", t(out.Tashlumim.TTLF));
-    t.set(m.MasLetashlumF, "", t(m.MasMagiaF) - t(m.TashlumimF));
+    const auto column = [&](const Column& k, auto floorOfTax) {
+        t.who(k.who);
+        t.set(k.Hachnasot, "", t(k.income));
+        t.set(k.Nikuim, "", t(k.offset));
+        t.set(k.HachnasaNet, "", t(k.Hachnasot) - t(k.Nikuim));
+        t.set(k.MasRagil, "", t(k.regularTax));
+        t.set(k.MasMeyuchad, "", t(k.specialTax));
+        // No levy on high incomes applies in this tax year: both bases are 0.
+        t.set(k.Hetel, "היטל", t.k("HETEL", PhasedLevy(0, 0)));
+        t.set(k.MasBruto, "", t(k.MasRagil) + t(k.MasMeyuchad) + t(k.Hetel));
+        t.set(k.Zikuim, "זיכויים ממס", t(k.credits));
+        t.set(k.MasMagia, taxDueName, t(k.MasBruto) - t(k.Zikuim));
+        const TA floor = floorOfTax();
+        if (k.MasMagia < val(floor)) t.set(k.MasMagia, taxDueName, MaxLong(t(k.MasMagia), floor));
+        // Credits that find no tax are lost.
+        t.set(k.ZikuyOdef, "זיכויים שלא נוצלו", t(k.MasBruto) - t(k.Zikuim) - t(k.MasMagia));
+        t.set(k.ZikuyTTL, "סה\"כ זיכויים", t(k.credits) + t(k.ZikuyOdef));
+        t.set(k.Zikuim, "", t(k.ZikuyTTL));
+        t.set(k.Tashlumim, "", t(k.payments));
+        t.set(k.MasLetashlum, "", t(k.MasMagia) - t(k.Tashlumim));
+    };
+    // The registered spouse's tax does not fall below the tax on rent, foreign
+    // rent and gambling, which credits do not reach; the spouse's not below 0.
+    column({'M', m.HachnasotM, m.NikuimM, m.HachnasaNetM, m.MasRagilM, m.MasMeyuchadM, m.HetelM, m.MasBrutoM,
+            m.ZikuimM, m.MasMagiaM, m.TashlumimM, m.MasLetashlumM, z.ZIKUY_ODEF_M, z.ZIKUY_TTL_M,
+            out.Hachnasot.TTLM, out.Nikuim.TTLM3, out.Hishuv.MMAS_TTL, me.MMAS_TTL, out.Tashlumim.TTLM,
+            st.M.ZikuimSum},
+           [&] {
+               return t.name("מס על שכר דירה, שכר דירה מחו\"ל והימורים",
+                             t(me.MAS_222) + t(me.MAS_225) + t(me.MAS_227));
+           });
+    column({'F', m.HachnasotF, m.NikuimF, m.HachnasaNetF, m.MasRagilF, m.MasMeyuchadF, m.HetelF, m.MasBrutoF,
+            m.ZikuimF, m.MasMagiaF, m.TashlumimF, m.MasLetashlumF, z.ZIKUY_ODEF_F, z.ZIKUY_TTL_F,
+            out.Hachnasot.TTLF, out.Nikuim.TTLF3, out.Hishuv.FMAS_TTL, me.FMAS_TTL, out.Tashlumim.TTLF,
+            st.F.ZikuimSum},
+           [&] { return t.zero(); });
     t.who(0);
     t.set(m.MasLetashlumTTL, "", t(m.MasLetashlumM) + t(m.MasLetashlumF));
 }
