@@ -6,6 +6,7 @@
 #include <set>
 
 #include "engine/calc_test_util.h"
+#include "engine/explain.h"
 #include "engine/trace.h"
 #include "results/sheet_rows.h"
 #include "support/report_generator.h"
@@ -118,6 +119,21 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
     for (const auto& s : missing) list += s + " ";
     RecordProperty("untraced", list);
     std::cout << explained << " cells explained; untraced sources: " << list << "\n";
+}
+
+}  // namespace
+}  // namespace zelmor::testing
+
+namespace zelmor::testing {
+namespace {
+
+TEST(Explain, NumbersReadAsInAFormula) {
+    const std::pair<double, const char*> cases[] = {
+        {0, "0"},          {-0.0, "0"},          {41422, "41,422"},      {-1234567, "-1,234,567"},
+        {999, "999"},      {1000, "1,000"},      {0.025, "0.025"},       {-2616.5, "-2,616.5"},
+        {1.0 / 6, "0.166667"}, {2147483647, "2,147,483,647"},
+    };
+    for (const auto& [value, text] : cases) EXPECT_EQ(trace::formatNumber(value), text) << value;
 }
 
 }  // namespace
