@@ -4,6 +4,7 @@
 
 #include "engine/calc.h"
 #include "engine/solve.h"
+#include "engine/trace.h"
 #include "support/fixed_madad.h"
 
 namespace {
@@ -70,6 +71,21 @@ void BM_CalcDoch_CoupleThreeRuns(benchmark::State& s) { calcBench(s, coupleThree
 BENCHMARK(BM_CalcDoch_Single);
 BENCHMARK(BM_CalcDoch_CoupleOneRun);
 BENCHMARK(BM_CalcDoch_CoupleThreeRuns);
+
+// The same calculations recording their explanation, into one sink that each
+// calculation empties (as a screen that explains one result after another).
+void tracedBench(benchmark::State& state, const NishumInput& n) {
+    const ConstDoch c;
+    trace::Trace t;
+    for (auto _ : state) benchmark::DoNotOptimize(CalcDoch(n, c, kMadad, today(), &t));
+    state.counters["nodes"] = static_cast<double>(t.nodes.size());
+}
+void BM_CalcDochTraced_Single(benchmark::State& s) { tracedBench(s, singleTaxpayer()); }
+void BM_CalcDochTraced_CoupleOneRun(benchmark::State& s) { tracedBench(s, coupleSeparate()); }
+void BM_CalcDochTraced_CoupleThreeRuns(benchmark::State& s) { tracedBench(s, coupleThreeRuns()); }
+BENCHMARK(BM_CalcDochTraced_Single);
+BENCHMARK(BM_CalcDochTraced_CoupleOneRun);
+BENCHMARK(BM_CalcDochTraced_CoupleThreeRuns);
 
 void BM_Solve(benchmark::State& state) {
     const auto q = static_cast<SimQuestion>(state.range(0));

@@ -21,5 +21,6 @@ int runExport(const Options& o);
 int runList(const Options& o);
 int runCalcAll(const Options& o);
 int runUpdateTables(const Options& o);
+int runExplain(const Options& o);
 
 }  // namespace zelmor::cli

@@ -46,6 +46,9 @@ const std::vector<Command>& commands() {
          {"--db", "--data-dir", "--sort"}, {"--json"}},
         {"calc-all", runCalcAll, "calc-all [--db DB] [--today YYYY-MM-DD] [--data-dir DIR]",
          "one result line per stored report", {"--db", "--today", "--data-dir"}, {}},
+        {"explain", runExplain, "explain REPORT.json SHEET.FIELD [--depth N] [--json] [--today YYYY-MM-DD] [--data-dir DIR]",
+         "how one cell of the results came about, down to the report's lines", {"--depth", "--today", "--data-dir"},
+         {"--json"}},
         {"update-tables", runUpdateTables, "update-tables [--url URL] [--data-dir DIR]",
          "replace the index table with the published one", {"--url", "--data-dir"}, {}},
     };

@@ -108,6 +108,29 @@ JsonWriter& JsonWriter::endObject() {
     return *this;
 }
 
+JsonWriter& JsonWriter::beginArray() {
+    s_ += '[';
+    ++depth_;
+    first_ = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::element() {
+    beforeKey();
+    return *this;
+}
+
+JsonWriter& JsonWriter::endArray() {
+    --depth_;
+    if (layout_ == Layout::Indented && !first_) {
+        s_ += '\n';
+        s_.append(static_cast<std::size_t>(2 * depth_), ' ');
+    }
+    s_ += ']';
+    first_ = false;
+    return *this;
+}
+
 void JsonWriter::beforeKey() {
     if (!first_) s_ += layout_ == Layout::OneLine ? ", " : ",";
     first_ = false;

@@ -40,6 +40,10 @@ public:
 
     JsonWriter& beginObject();
     JsonWriter& endObject();
+    // An array: element() before each of its values.
+    JsonWriter& beginArray();
+    JsonWriter& element();
+    JsonWriter& endArray();
     // A member's name. The name is written as it is: it must need no escaping
     // (the catalogue's names, the format's own words).
     JsonWriter& key(std::string_view name);

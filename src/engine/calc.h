@@ -13,6 +13,10 @@
 
 namespace zelmor {
 
+namespace trace {
+struct Trace;
+}
+
 // 0 M alone, 1 single, 2 separate, 3 separate on property, 4 joint.
 enum FilingModeValue : int { ModeAlone = 0, ModeSingle = 1, ModeSeparate = 2, ModeSeparateProperty = 3, ModeJoint = 4 };
 
@@ -31,6 +35,10 @@ struct CalcResult {
 // The whole calculation. The report is not changed. Raises OverflowError when a
 // sum leaves the 32-bit range; nothing is returned then.
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
+// The same calculation, recording into `sink` how every figure came about
+// (engine/trace.h). The result is the same as without a sink.
+CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
+                    trace::Trace* sink);
 
 // Interest and linkage of the balance on the summary sheet to a date (no date:
 // today), without a new calculation. Writes Ribit, RibitDate, PtorRibit, Itra,

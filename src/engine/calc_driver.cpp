@@ -16,12 +16,19 @@ const char* ModeTitle(int filingMode) {
 }
 
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today) {
-    return engine::Calculation(report, c, madad, today).run();
+    return engine::Calculation<false>(report, c, madad, today).run();
+}
+
+CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
+                    trace::Trace* sink) {
+    if (!sink) return engine::Calculation<false>(report, c, madad, today).run();
+    return engine::Calculation<true>(report, c, madad, today).run(sink);
 }
 
 namespace engine {
 
-Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLookup& m, Date t)
+template <bool On>
+Calculation<On>::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLookup& m, Date t)
     : report(r), c(k), madad(m), today(t),
       Yegia(r.Yegia), Rechush(r.Rechush), Nikuim(r.Nikuim), Zikuim(r.Zikuim),
       Pratim(r.Pratim), Pturot(r.Pturot), Nekudot(r.Nekudot), Tashlumim(r.Tashlumim), Klaliim(r.Klaliim),
@@ -52,8 +59,25 @@ Calculation::Calculation(const NishumInput& r, const ConstDoch& k, const MadadLo
          Zikuim.N193, Zikuim.N193Rate, Zikuim.N193Month,
          r.Pratim.BirthDateF} {}
 
-CalcResult Calculation::run() {
-    CalcDoch();
+template <bool On>
+CalcResult Calculation<On>::run(trace::Trace* sink) {
+    if constexpr (On) {
+        Recorder rec(*sink, this, sizeof *this);
+        rec.mapReport(report, Yegia, Rechush, Nikuim, Zikuim);
+        rec.mapSheets(out);
+        rec.keep(&filing, &filing + 1);
+        struct Scope {  // the recorder is this thread's only while the calculation runs
+            explicit Scope(Recorder* r) { tlRecorder = r; }
+            ~Scope() { tlRecorder = nullptr; }
+        } scope(&rec);
+        t.rec = &rec;
+        CalcDoch();
+        rec.finish(out);
+        t.rec = nullptr;
+    } else {
+        (void)sink;
+        CalcDoch();
+    }
     CalcResult result;
     result.out = std::move(out);
     result.FilingMode = filing.FilingMode;
@@ -63,46 +87,58 @@ CalcResult Calculation::run() {
     return result;
 }
 
-int Calculation::ageInYear(Date birth) const { return birth.isNull() ? -1 : c.YEARDOCH() - birth.year(); }
+template <bool On>
+int Calculation<On>::ageInYear(Date birth) const { return birth.isNull() ? -1 : c.YEARDOCH() - birth.year(); }
 
 // The filing tests decide the mode; a couple that may choose is computed both
 // ways and the cheaper way stands.
-void Calculation::CalcDoch() {
+template <bool On>
+void Calculation<On>::CalcDoch() {
     const auto& y = Yegia;
     const auto& r = Rechush;
-    const Amount S = y.N059 + y.N159 + y.N367 + y.N167 + Pturot.Reali;
-    const Amount J = r.N060 + r.N061 + r.N067 + r.N157 + r.N141 + r.N055 + r.N053 + r.N078 + r.N126 + r.N142 +
-                     r.Acheret + Pturot.Infla + Pturot.Reali25 + Pturot.N256Revach + Pturot.N256Revach20 +
-                     Pturot.N256Revach25;
+    const auto& p = Pturot;
+    t.who(0);
+    const TA S = t(y.N059) + t(y.N159) + t(y.N367) + t(y.N167) + t(p.Reali);
+    const TA J = t(r.N060) + t(r.N061) + t(r.N067) + t(r.N157) + t(r.N141) + t(r.N055) + t(r.N053) + t(r.N078) +
+                 t(r.N126) + t(r.N142) + t(r.Acheret) + t(p.Infla) + t(p.Reali25) + t(p.N256Revach) +
+                 t(p.N256Revach20) + t(p.N256Revach25);
     const Amount TTLM = y.TTLM, TTLF = y.TTLF;
 
-    filing.RegilRechushTestM = y.N201 + y.N202 + y.N204 + y.N205;
-    if (TTLM >= TTLF) filing.RegilRechushTestM += S;
-    filing.RegilTestM = filing.RegilRechushTestM + TTLM;
-    filing.MeyuchadTestM = r.N214 + r.N211 + r.N228 + r.N257 + r.N241 + r.N212 + r.N213 + r.N217 + r.N226 + r.N242 +
-                       r.N222 + r.N225 + r.N227 + r.AcheretM;
-    if (TTLM >= TTLF) filing.MeyuchadTestM += J;
-    filing.HachnasaTestM = filing.MeyuchadTestM + filing.RegilTestM;
+    t.who('M');
+    t.set(filing.RegilRechushTestM, "הכנסה מרכוש בשיעור רגיל", t(y.N201) + t(y.N202) + t(y.N204) + t(y.N205));
+    if (TTLM >= TTLF) t.set(filing.RegilRechushTestM, "הכנסה מרכוש בשיעור רגיל", t(filing.RegilRechushTestM) + S);
+    t.set(filing.RegilTestM, "הכנסה בשיעור רגיל", t(filing.RegilRechushTestM) + t(y.TTLM));
+    t.set(filing.MeyuchadTestM, "הכנסה בשיעור מיוחד",
+          t(r.N214) + t(r.N211) + t(r.N228) + t(r.N257) + t(r.N241) + t(r.N212) + t(r.N213) + t(r.N217) +
+              t(r.N226) + t(r.N242) + t(r.N222) + t(r.N225) + t(r.N227) + t(r.AcheretM));
+    if (TTLM >= TTLF) t.set(filing.MeyuchadTestM, "הכנסה בשיעור מיוחד", t(filing.MeyuchadTestM) + J);
+    t.set(filing.HachnasaTestM, "סך ההכנסה", t(filing.MeyuchadTestM) + t(filing.RegilTestM));
 
-    filing.RegilRechushTestF = y.N301 + y.N302 + y.N304 + y.N305;
-    if (TTLF > TTLM) filing.RegilRechushTestF += S;
-    filing.RegilTestF = filing.RegilRechushTestF + TTLF;
-    filing.MeyuchadTestF = r.N314 + r.N311 + r.N328 + r.N357 + r.N341 + r.N312 + r.N313 + r.N317 + r.N326 + r.N342 +
-                       r.AcheretF;
-    if (TTLF > TTLM) filing.MeyuchadTestF += J;
-    filing.HachnasaTestF = filing.MeyuchadTestF + filing.RegilTestF;
+    t.who('F');
+    t.set(filing.RegilRechushTestF, "הכנסה מרכוש בשיעור רגיל", t(y.N301) + t(y.N302) + t(y.N304) + t(y.N305));
+    if (TTLF > TTLM) t.set(filing.RegilRechushTestF, "הכנסה מרכוש בשיעור רגיל", t(filing.RegilRechushTestF) + S);
+    t.set(filing.RegilTestF, "הכנסה בשיעור רגיל", t(filing.RegilRechushTestF) + t(y.TTLF));
+    t.set(filing.MeyuchadTestF, "הכנסה בשיעור מיוחד",
+          t(r.N314) + t(r.N311) + t(r.N328) + t(r.N357) + t(r.N341) + t(r.N312) + t(r.N313) + t(r.N317) +
+              t(r.N326) + t(r.N342) + t(r.AcheretF));
+    if (TTLF > TTLM) t.set(filing.MeyuchadTestF, "הכנסה בשיעור מיוחד", t(filing.MeyuchadTestF) + J);
+    t.set(filing.HachnasaTestF, "סך ההכנסה", t(filing.MeyuchadTestF) + t(filing.RegilTestF));
+    t.who(0);
 
     filing.isIshaNesua = (filing.HachnasaTestF > 0 || Pratim.isNasuy) && Pratim.isFemale;
 
     if (Pratim.isAlman || Pratim.isRavak || Pratim.isGarush || filing.HachnasaTestF == 0) {
         filing.FilingMode = ModeSingle;
+        explainMode("אין בן זוג שהכנסתו נחשבת: חישוב יחיד", {idOf(t(filing.HachnasaTestF))});
         CalcOneMode();
         return;
     }
-    filing.SafBenZug = c.SAF_BEN_ZUG();
-    if (Nekudot.N260 > 0) filing.SafBenZug = c.SAF_BEN_ZUG_YELADIM();
+    const TA saf = Nekudot.N260 > 0 ? K(SAF_BEN_ZUG_YELADIM) : K(SAF_BEN_ZUG);
+    t.set(filing.SafBenZug, "הכנסת בן הזוג שאינה מחייבת חישוב", saf);
     if (filing.HachnasaTestF <= filing.SafBenZug) {
         filing.FilingMode = ModeAlone;
+        explainMode("הכנסת בן הזוג אינה עולה על הסף: נישום בלבד",
+                    {idOf(t(filing.HachnasaTestF)), idOf(t(filing.SafBenZug))});
         CalcOneMode();
         return;
     }
@@ -112,55 +148,81 @@ void Calculation::CalcDoch() {
         CalcNoTlut();
 }
 
+// The filing-mode decision with the figures it compared.
+template <bool On>
+void Calculation<On>::explainMode(const char* rule, std::initializer_list<int> compared) {
+    if constexpr (On) t.rec->decided(t.rec->decision(ModeTitle(filing.FilingMode), rule, filing.FilingMode, compared));
+}
+
 // Incomes without a dependence in their source: separate, or joint when cheaper.
-void Calculation::CalcNoTlut() {
+template <bool On>
+void Calculation<On>::CalcNoTlut() {
     if (filing.RegilTestF > c.TESTMEUCHAD() && filing.RegilTestM > c.TESTMEUCHAD()) {
         filing.FilingMode = ModeSeparate;
+        explainMode("הכנסת כל אחד מבני הזוג עולה על הסף: חישוב נפרד",
+                    {idOf(t(filing.RegilTestM)), idOf(t(filing.RegilTestF)), idOf(K(TESTMEUCHAD))});
         CalcOneMode();
         return;
     }
     compared = true;
     filing.FilingMode = ModeJoint;
     CalcOneMode();
-    filing.MasMeuchad = taxDue();
+    t.set(filing.MasMeuchad, "מס מגיע בחישוב מאוחד", taxDue());
     filing.FilingMode = ModeSeparate;
     CalcOneMode();
-    filing.MasNifrad = taxDue();
+    t.set(filing.MasNifrad, "מס מגיע בחישוב נפרד", taxDue());
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves the separate run
         filing.FilingMode = ModeJoint;
+        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
         CalcOneMode();
+    } else {
+        explainMode("המס בחישוב נפרד אינו עולה על המס בחישוב מאוחד", {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
     }
 }
 
 // Incomes with a dependence in their source: separate on property, or joint when cheaper.
-void Calculation::CalcTlut() {
-    filing.RegilPlusYegiaFTestM = filing.RegilTestM + Yegia.TTLF;
+template <bool On>
+void Calculation<On>::CalcTlut() {
+    t.set(filing.RegilPlusYegiaFTestM, "הכנסה בשיעור רגיל בצירוף יגיעת בן הזוג",
+          t(filing.RegilTestM) + t(Yegia.TTLF));
     if (filing.RegilRechushTestF > c.TESTMEUCHAD() && filing.RegilPlusYegiaFTestM > c.TESTMEUCHAD()) {
         filing.FilingMode = ModeSeparateProperty;
+        explainMode("הכנסות שני בני הזוג עולות על הסף: חישוב נפרד רכוש",
+                    {idOf(t(filing.RegilRechushTestF)), idOf(t(filing.RegilPlusYegiaFTestM)), idOf(K(TESTMEUCHAD))});
         CalcOneMode();
         return;
     }
     filing.FilingMode = ModeJoint;
     CalcOneMode();
-    filing.MasMeuchad = taxDue();
-    if (filing.RegilRechushTestF <= 0) return;
+    t.set(filing.MasMeuchad, "מס מגיע בחישוב מאוחד", taxDue());
+    if (filing.RegilRechushTestF <= 0) {
+        explainMode("לבן הזוג אין הכנסה מרכוש בשיעור רגיל: חישוב מאוחד", {idOf(t(filing.RegilRechushTestF))});
+        return;
+    }
     compared = true;
     filing.FilingMode = ModeSeparateProperty;
     CalcOneMode();
-    filing.MasNifrad = taxDue();
+    t.set(filing.MasNifrad, "מס מגיע בחישוב נפרד רכוש", taxDue());
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves mode 3
         filing.FilingMode = ModeJoint;
+        explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד רכוש", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
         CalcOneMode();
+    } else {
+        explainMode("המס בחישוב נפרד רכוש אינו עולה על המס בחישוב מאוחד",
+                    {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
     }
 }
 
 // Every figure of a run starts at 0; only the filing state outlives it.
-void Calculation::ClearCalcState() { st = CalcState{}; }
+template <bool On>
+void Calculation<On>::ClearCalcState() { st = CalcState{}; }
 
-void Calculation::CalcOneMode() {
+template <bool On>
+void Calculation<On>::CalcOneMode() {
     const int mode = filing.FilingMode;
     ClearCalcState();
     out.ClearCalc();
+    if constexpr (On) t.rec->beginRun();
     filing.JointStage = mode == ModeJoint ? 1 : 0;
     Person& M = pM;
     for (;;) {
@@ -182,12 +244,13 @@ void Calculation::CalcOneMode() {
         // First pass of the joint mode: F up to the same point, then all of
         // F's lines move to M for the second pass.
         CalcPersonF();
-        out.Hachnasot.N301 = out.Hachnasot.N302 = out.Hachnasot.N304 = out.Hachnasot.N305 = 0;
-        out.Hachnasot.RealiF = 0;
+        auto& h = out.Hachnasot;
         PersonState& f = st.F;
-        f.LineN214 = f.LineN217 = f.LineN226 = f.LineN242 = f.LineN211 = f.LineN228 = f.LineN257 = f.LineN241 = 0;
-        f.LineN212 = f.LineN213 = f.LineAcheret = f.LineInfla = 0;
-        f.NikuyBL = f.NikuyMechkar = f.NikuyNeft = f.NikuySratim = 0;
+        t.who('F');
+        for (Amount* a : {&h.N301, &h.N302, &h.N304, &h.N305, &h.RealiF, &f.LineN214, &f.LineN217, &f.LineN226,
+                          &f.LineN242, &f.LineN211, &f.LineN228, &f.LineN257, &f.LineN241, &f.LineN212, &f.LineN213,
+                          &f.LineAcheret, &f.LineInfla, &f.NikuyBL, &f.NikuyMechkar, &f.NikuyNeft, &f.NikuySratim})
+            t.moved(*a, "עובר לחישוב המאוחד");
         filing.JointStage = 2;
     }
     if (filing.JointStage == 2) JoinPersons();
@@ -205,7 +268,8 @@ void Calculation::CalcOneMode() {
 
 // F's own computation: in the first pass of the joint mode up to the
 // deductions, in the separate modes from end to end.
-void Calculation::CalcPersonF() {
+template <bool On>
+void Calculation<On>::CalcPersonF() {
     Person& F = pF;
     GatherLines(F);
     if (st.isYegiaFGreater) GatherShared(F);
@@ -220,6 +284,9 @@ void Calculation::CalcPersonF() {
     Offset(F);
     BracketStep(F);
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace engine
 }  // namespace zelmor

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "engine/calc.h"
+#include "engine/tracer.h"
 
 namespace zelmor::engine {
 
@@ -81,10 +82,16 @@ struct Person {
     const Date& BirthDate;
 };
 
+// On: the calculation records its explanation (a sink was given). Without it
+// the figures are plain amounts and the arithmetic is the bare arithmetic.
+template <bool On>
 class Calculation {
+    using TA = typename Tracer<On>::A;  // an amount, traced when On
+    using TD = typename Tracer<On>::D;  // a double, traced when On
+
 public:
     Calculation(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
-    CalcResult run();  // CalcDoch
+    CalcResult run(trace::Trace* sink = nullptr);  // CalcDoch
 
 private:
     // Driver and filing modes.
@@ -94,7 +101,8 @@ private:
     void CalcOneMode();
     void CalcPersonF();
     void ClearCalcState();
-    Amount taxDue() const { return out.Main.MasMagiaF + out.Main.MasMagiaM; }
+    TA taxDue() const { return t(out.Main.MasMagiaF) + t(out.Main.MasMagiaM); }
+    void explainMode(const char* rule, std::initializer_list<int> compared);
 
     // Income assembly and loss relief.
     void MergeYegia();
@@ -107,7 +115,10 @@ private:
     void TotalIncome(Person& p);
     void ShiftToRegular(Person& p);
     void Offset(Person& p);
-    Amount OffsetChainStep(Amount line);
+    void OffsetChainStep(Amount& net, const Amount& line);
+    void moveInto(Amount& to, Amount& from);
+    TA yegiaTotal(const char* total) const;
+    TA clamp(TA v, TA hi) const;
     void OffsetChain(Person& p);
 
     // Deductions.
@@ -127,10 +138,17 @@ private:
     // Credit points and credits.
     void CalcCreditsM();
     void CalcCreditsF();
-    double OlePoints(Date date) const;
-    double ChayalPoints(Date date, std::int16_t months) const;
-    double MothersWeights() const;
-    double FathersWeights() const;
+    TD OlePoints(Date date) const;
+    TD ChayalPoints(const Date& date, const std::int16_t& months) const;
+    TD MothersWeights() const;
+    TD FathersWeights() const;
+    TD countTimes(const std::int16_t& count, TA points) const;
+    void PointsCredit(double& zikuy, const double& points);
+    struct PointCells {
+        double &ole, &oleCredit, &soldier, &soldierCredit, &degree, &degreeCredit;
+    };
+    void PersonalPoints(const PointCells& cells, Date ole, const Date& discharge, const std::int16_t& months,
+                        std::int32_t degree);
     void CreditsForPayments(Person& p);
     void KizvaLimitZikuy(Person& p);
     void Settlement(Person& p);
@@ -178,6 +196,7 @@ private:
     NishumOutput out;
     Person pM, pF;
     bool compared = false;
+    Tracer<On> t;  // records the explanation when the run has a sink
 };
 
 // Interest and linkage of a balance to a date.

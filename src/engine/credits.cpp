@@ -3,70 +3,106 @@
 #include "engine/calculation.h"
 
 namespace zelmor::engine {
-namespace {
-Amount floor0(Amount v) { return MaxLong(v, 0); }
-}  // namespace
-
 // Children by age band, weighted for the mother: newborn 0.5, 1-2 two, 3 two,
 // 4-5 two, 6-17 one, 18 half a point.
-double Calculation::MothersWeights() const {
+template <bool On>
+auto Calculation<On>::MothersWeights() const -> TD {
     const auto& n = Nekudot;
-    return c.YELED_EM_0() * n.N260_1 + mulCount(n.N260_2, c.YELED_EM_1_2()) + mulCount(n.N260_3, c.YELED_EM_3()) +
-           mulCount(n.N260_4, c.YELED_EM_4_5()) + c.YELED_EM_6_17() * n.N260_5 + c.YELED_EM_18() * n.N260_6;
+    return K(YELED_EM_0) * t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_EM_1_2)) +
+           countTimes(n.N260_3, K(YELED_EM_3)) + countTimes(n.N260_4, K(YELED_EM_4_5)) +
+           K(YELED_EM_6_17) * t.num(n.N260_5) + K(YELED_EM_18) * t.num(n.N260_6);
 }
 
 // ...and for the father: newborn one, 1-2 two, 3 one (a 16-bit sum).
-double Calculation::FathersWeights() const {
+template <bool On>
+auto Calculation<On>::FathersWeights() const -> TD {
     const auto& n = Nekudot;
-    return addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);
+    addCount(addCount(n.N260_1, mulCount(n.N260_2, c.YELED_AV_1_2())), n.N260_3);  // raises on overflow
+    return t.num(n.N260_1) + countTimes(n.N260_2, K(YELED_AV_1_2)) + t.num(n.N260_3);
+}
+
+// A count times a whole number of points, checked as 16-bit counts are.
+template <bool On>
+auto Calculation<On>::countTimes(const std::int16_t& count, TA points) const -> TD {
+    mulCount(count, static_cast<std::int16_t>(val(points).value()));  // raises on overflow
+    return t.num(count) * toD(points);
 }
 
 // A new immigrant: 42 months from the month of immigration, the first 18 at a
 // quarter point a month, the next 12 at a sixth, the last 12 at a twelfth;
 // the months that fall in the tax year count.
-double Calculation::OlePoints(Date date) const {
+template <bool On>
+auto Calculation<On>::OlePoints(Date date) const -> TD {
     const int second = c.OLE_MONTHS1(), third = second + c.OLE_MONTHS2(), end = third + c.OLE_MONTHS3();
-    double total = 0;
-    for (int i = 0; i < end; ++i) {
-        const double rate = i < second ? c.OLE_RATE1() : i < third ? c.OLE_RATE2() : c.OLE_RATE3();
-        if (date.addMonths(i).year() == c.YEARDOCH()) total += rate;
-    }
+    TD total = t.k("0", 0.0);
+    for (int i = 0; i < end; ++i)
+        if (date.addMonths(i).year() == c.YEARDOCH())
+            total = total + (i < second ? K(OLE_RATE1) : i < third ? K(OLE_RATE2) : K(OLE_RATE3));
     return total;
 }
 
 // A discharged soldier: points by the months from discharge to December of
 // the tax year; doubled for 24 months of service or more.
-double Calculation::ChayalPoints(Date date, std::int16_t months) const {
+template <bool On>
+auto Calculation<On>::ChayalPoints(const Date& date, const std::int16_t& months) const -> TD {
     int y, m, d;
     date.ymd(y, m, d);
-    const int n = 12 * (c.YEARDOCH() - y) + (12 - m);
-    double p = 0;
-    if (n >= 1 && n <= 12)
-        p = n / 12.0;
-    else if (n >= 13 && n <= 24)
-        p = 1;
-    else if (n >= 25 && n <= 36)
-        p = (36 - n) / 12.0;
-    if (months == 0) p = 0;
-    if (months >= c.CHAYAL_SHERUT_KAFUL()) p *= 2;
+    const TD twelve = t.k("12", 12.0);
+    // The months from the discharge to the end of the tax year.
+    const TD n = t.name("חודשים מהשחרור עד סוף השנה",
+                        twelve * (toD(K(YEARDOCH)) - t.datePart(date, "שנת השחרור", y)) +
+                            (twelve - t.datePart(date, "חודש השחרור", m)));
+    const TD none = t.k("0", 0.0);
+    TD p = none;
+    if (val(n) >= 1 && val(n) <= 12)
+        p = n / twelve;
+    else if (val(n) >= 13 && val(n) <= 24)
+        p = t.k("1", 1.0);
+    else if (val(n) >= 25 && val(n) <= 36)
+        p = (t.k("36", 36.0) - n) / twelve;
+    if (months == 0) p = none;
+    if (months >= c.CHAYAL_SHERUT_KAFUL()) p = p * t.k("2", 2.0);
     return p;
 }
 
-void Calculation::CalcCreditsM() {
+// The worth of a line's points.
+template <bool On>
+void Calculation<On>::PointsCredit(double& zikuy, const double& points) {
+    t.set(zikuy, "זיכוי בעד נקודות", toD(K(NEKUDA)) * t(points));
+}
+
+// Immigrant, discharged soldier and degree: the points of one person and their worth.
+template <bool On>
+void Calculation<On>::PersonalPoints(const PointCells& cells, Date ole, const Date& discharge,
+                                     const std::int16_t& months, std::int32_t degree) {
+    const char* points = "נקודות זיכוי";
+    t.set(cells.ole, points, OlePoints(ole));
+    PointsCredit(cells.oleCredit, cells.ole);
+    t.set(cells.soldier, points, ChayalPoints(discharge, months));
+    PointsCredit(cells.soldierCredit, cells.soldier);
+    t.set(cells.degree, points,
+          degree >= 1 && degree <= 4 ? K(NEKUDOT_TOAR) : degree == 5 ? K(NEKUDOT_TOAR_SHENI) : t.k("0", 0.0));
+    PointsCredit(cells.degreeCredit, cells.degree);
+}
+
+template <bool On>
+void Calculation<On>::CalcCreditsM() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
     const auto& pr = Pratim;
-    const double NEKUDA = c.NEKUDA().value();
+    const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
     const int mode = filing.FilingMode;
+    const char* points = "נקודות זיכוי";
+    t.who('M');
 
     // Line 54: resident; a woman has half a point more, resident or not.
     if (k.N020) {
-        z.NEKUDA_020M = c.NEKUDOT_TOSHAV();
-        z.ZIKUY_020M = NEKUDA * c.NEKUDOT_TOSHAV();
+        t.set(z.NEKUDA_020M, points, K(NEKUDOT_TOSHAV));
+        PointsCredit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
     if (pr.isFemale) {
-        z.NEKUDA_020M += c.NEKUDOT_ISHA();
-        z.ZIKUY_020M = NEKUDA * z.NEKUDA_020M;
+        t.set(z.NEKUDA_020M, points, t(z.NEKUDA_020M) + K(NEKUDOT_ISHA));
+        PointsCredit(z.ZIKUY_020M, z.NEKUDA_020M);
     }
 
     // Spouse lines, only when the couple is computed together.
@@ -76,17 +112,20 @@ void Calculation::CalcCreditsM() {
         const bool retired = (!man.isNull() && man < c.GIL_PRISHA_GEVER()) ||
                              (!woman.isNull() && woman < c.GIL_PRISHA_ISHA());
         if (retired && k.N020 && (filing.HachnasaTestF > 0 || Klaliim.isBZOzer || k.N025 || k.N021)) {
-            z.NEKUDA_021M = 1;
-            z.ZIKUY_021M = NEKUDA;
+            t.set(z.NEKUDA_021M, points, one);
+            PointsCredit(z.ZIKUY_021M, z.NEKUDA_021M);
         }
         if (k.N020 && Yegia.TTLF > 0) {
-            z.NEKUDA_021AM = k.N260 >= 1 ? c.NEKUDOT_021A_YELADIM() : c.NEKUDOT_021A();
-            z.ZIKUY_021AM = NEKUDA * z.NEKUDA_021AM;
+            t.set(z.NEKUDA_021AM, points, k.N260 >= 1 ? K(NEKUDOT_021A_YELADIM) : K(NEKUDOT_021A));
+            PointsCredit(z.ZIKUY_021AM, z.NEKUDA_021AM);
         }
-        if (mode == ModeAlone) z.NEKUDA_021AM = z.ZIKUY_021AM = 0;
+        if (mode == ModeAlone) {
+            t.set(z.NEKUDA_021AM, points, none);
+            t.set(z.ZIKUY_021AM, "", none);
+        }
         if (Yegia.TTLF < 1 && k.N020 && (k.N025 || Klaliim.isBZOzer)) {
-            z.NEKUDA_025M = k.N260 >= 1 ? c.NEKUDOT_025_YELADIM() : c.NEKUDOT_025();
-            z.ZIKUY_025M = NEKUDA * z.NEKUDA_025M;
+            t.set(z.NEKUDA_025M, points, k.N260 >= 1 ? K(NEKUDOT_025_YELADIM) : K(NEKUDOT_025));
+            PointsCredit(z.ZIKUY_025M, z.NEKUDA_025M);
         }
     }
 
@@ -94,88 +133,85 @@ void Calculation::CalcCreditsM() {
     const int ageM = ageInYear(pr.BirthDateM), ageF = ageInYear(pr.BirthDateF);
     const auto youth = [&](int age) { return age >= c.GIL_NOAR_MIN() && age <= c.GIL_NOAR_MAX(); };
     if (youth(ageM) || youth(ageF)) {
-        z.NEKUDA_020AM = 1;
-        z.ZIKUY_020AM = NEKUDA;
+        t.set(z.NEKUDA_020AM, points, one);
+        PointsCredit(z.ZIKUY_020AM, z.NEKUDA_020AM);
     }
 
     // Line 57: alimony, married again.
     if (k.N028) {
-        z.NEKUDA_028M = 1;
-        z.ZIKUY_028M = NEKUDA;
+        t.set(z.NEKUDA_028M, points, one);
+        PointsCredit(z.ZIKUY_028M, z.NEKUDA_028M);
     }
 
     // Line 58: children.
-    z.NEKUDA_260M = z.NEKUDA_260F = 0;
+    t.set(z.NEKUDA_260M, points, none);
+    t.set(z.NEKUDA_260F, points, none);
     if ((mode != ModeJoint && pr.isFemale) || (!pr.isNasuy && k.N026) || pr.isRavak || pr.isGarush || pr.isAlman) {
-        z.NEKUDA_260M = MothersWeights();
-        if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) z.NEKUDA_260F = FathersWeights();
+        t.set(z.NEKUDA_260M, points, MothersWeights());
+        if (filing.HachnasaTestF > 0 && mode != ModeJoint && pr.isFemale) t.set(z.NEKUDA_260F, points, FathersWeights());
     }
-    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
-    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
+    PointsCredit(z.ZIKUY_260M, z.NEKUDA_260M);
+    PointsCredit(z.ZIKUY_260F, z.NEKUDA_260F);
 
     // Line 60: children who do not live with the person.
-    z.NEKUDA_029M = k.N029 ? 1 : 0;
-    z.ZIKUY_029M = NEKUDA * z.NEKUDA_029M;
+    t.set(z.NEKUDA_029M, points, k.N029 ? one : none);
+    PointsCredit(z.ZIKUY_029M, z.NEKUDA_029M);
 
     // Line 59: single-parent family.
     if ((k.N260 >= 1 && k.N026 && !pr.isNasuy && !k.N021) ||
         (k.N260 >= 1 && !k.N021 && (pr.isAlman || pr.isGarush || pr.isRavak))) {
-        z.NEKUDA_026M = 1;
-        z.ZIKUY_026M = NEKUDA;
+        t.set(z.NEKUDA_026M, points, one);
+        PointsCredit(z.ZIKUY_026M, z.NEKUDA_026M);
     }
 
     // Line 61: supported persons without physical ability, two points each;
     // when the couple is computed together F's count joins M's at one point each.
-    z.NEKUDA_023 = k.N020 ? mulCount(k.N023, c.NEKUDOT_NECHE()) : 0;
-    z.NEKUDA_131 = k.N020 ? mulCount(k.N131, c.NEKUDOT_NECHE()) : 0;
+    t.set(z.NEKUDA_023, points, k.N020 ? countTimes(k.N023, K(NEKUDOT_NECHE)) : none);
+    t.set(z.NEKUDA_131, points, k.N020 ? countTimes(k.N131, K(NEKUDOT_NECHE)) : none);
     if (mode == ModeAlone || mode == ModeSingle || mode == ModeJoint) {
-        z.NEKUDA_023 += k.N131;
-        z.NEKUDA_131 = 0;
+        t.set(z.NEKUDA_023, points, t(z.NEKUDA_023) + t.num(k.N131));
+        t.set(z.NEKUDA_131, points, none);
     }
-    if (z.NEKUDA_023 > 0) z.ZIKUY_023 = NEKUDA * z.NEKUDA_023;
-    if (z.NEKUDA_131 > 0) z.ZIKUY_131 = NEKUDA * z.NEKUDA_131;
+    if (z.NEKUDA_023 > 0) PointsCredit(z.ZIKUY_023, z.NEKUDA_023);
+    if (z.NEKUDA_131 > 0) PointsCredit(z.ZIKUY_131, z.NEKUDA_131);
 
     // Lines 62 to 64: immigrant, discharged soldier, degree.
-    z.NEKUDA_OleM = OlePoints(k.OleDateM);
-    z.ZIKUY_OleM = NEKUDA * z.NEKUDA_OleM;
-    z.NEKUDA_224 = ChayalPoints(k.N224, k.N024);
-    z.ZIKUY_224 = NEKUDA * z.NEKUDA_224;
-    z.NEKUDA_181 = k.N181 >= 1 && k.N181 <= 4 ? c.NEKUDOT_TOAR() : k.N181 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
-    z.ZIKUY_181 = NEKUDA * z.NEKUDA_181;
+    PersonalPoints({z.NEKUDA_OleM, z.ZIKUY_OleM, z.NEKUDA_224, z.ZIKUY_224, z.NEKUDA_181, z.ZIKUY_181}, k.OleDateM,
+                   k.N224, k.N024, k.N181);
 
     CreditsForPayments(pM);
 }
 
-void Calculation::CalcCreditsF() {
+template <bool On>
+void Calculation<On>::CalcCreditsF() {
     auto& z = out.Zikuim;
     const auto& k = Nekudot;
-    const double NEKUDA = c.NEKUDA().value();
+    const TD one = t.k("1", 1.0), none = t.k("0", 0.0);
+    const char* points = "נקודות זיכוי";
+    t.who('F');
     if (k.N020) {
-        z.NEKUDA_020F = c.NEKUDOT_TOSHAV();
-        z.ZIKUY_020F = NEKUDA * c.NEKUDOT_TOSHAV();
+        t.set(z.NEKUDA_020F, points, K(NEKUDOT_TOSHAV));
+        PointsCredit(z.ZIKUY_020F, z.NEKUDA_020F);
     }
     if (!Pratim.isFemale) {  // the spouse is the woman
-        z.NEKUDA_020F += c.NEKUDOT_ISHA();
-        z.ZIKUY_020F = NEKUDA * z.NEKUDA_020F;
-        z.NEKUDA_260F = MothersWeights();
-        z.NEKUDA_260M = FathersWeights();
+        t.set(z.NEKUDA_020F, points, t(z.NEKUDA_020F) + K(NEKUDOT_ISHA));
+        PointsCredit(z.ZIKUY_020F, z.NEKUDA_020F);
+        t.set(z.NEKUDA_260F, points, MothersWeights());
+        t.set(z.NEKUDA_260M, points, FathersWeights());
     }
-    z.ZIKUY_260F = NEKUDA * z.NEKUDA_260F;
-    z.ZIKUY_260M = NEKUDA * z.NEKUDA_260M;
-    z.NEKUDA_129 = k.N129 ? 1 : 0;
-    z.ZIKUY_129 = NEKUDA * z.NEKUDA_129;
-    z.NEKUDA_OleF = OlePoints(k.OleDateF);
-    z.ZIKUY_OleF = NEKUDA * z.NEKUDA_OleF;
-    z.NEKUDA_324 = ChayalPoints(k.N324, k.N124);
-    z.ZIKUY_324 = NEKUDA * z.NEKUDA_324;
-    z.NEKUDA_182 = k.N182 >= 1 && k.N182 <= 4 ? c.NEKUDOT_TOAR() : k.N182 == 5 ? c.NEKUDOT_TOAR_SHENI() : 0;
-    z.ZIKUY_182 = NEKUDA * z.NEKUDA_182;
+    PointsCredit(z.ZIKUY_260F, z.NEKUDA_260F);
+    PointsCredit(z.ZIKUY_260M, z.NEKUDA_260M);
+    t.set(z.NEKUDA_129, points, k.N129 ? one : none);
+    PointsCredit(z.ZIKUY_129, z.NEKUDA_129);
+    PersonalPoints({z.NEKUDA_OleF, z.ZIKUY_OleF, z.NEKUDA_324, z.ZIKUY_324, z.NEKUDA_182, z.ZIKUY_182}, k.OleDateF,
+                   k.N324, k.N124, k.N182);
 
     CreditsForPayments(pF);
 }
 
 // The allowed bases of the credits for sums paid, for one column.
-void Calculation::CreditsForPayments(Person& p) {
+template <bool On>
+void Calculation<On>::CreditsForPayments(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
@@ -187,104 +223,123 @@ void Calculation::CreditsForPayments(Person& p) {
     Amount& AcherimCell = p.isF ? z.AcherimF : z.AcherimM;
     Amount& HUTAR_Acherim = p.isF ? z.HUTAR_AcherimF : z.HUTAR_AcherimM;
     Amount& HUTAR_Mishmarot = p.isF ? z.HUTAR_MishmarotF : z.HUTAR_MishmarotM;
+    const char* allowed = "סכום מותר לזיכוי";
+    t.who(p.isF ? 'F' : 'M');
 
     // Pension: survivors' insurance up to 1.5% of income, and what of the
     // self-employed pension was not taken as a deduction.
-    s.TikraKizva = MaxLong(R(s.ChelekSachir * c.ZIKUY_KIZVA_SACHIR() + s.ChelekAtzmai * c.ZIKUY_KIZVA_ATZMAI()), c.HISAHONMIZARI());
-    const Amount deducted = (!p.isF && filing.JointStage == 2) ? st.SavedKizvaM : s.NikuyKizva;
-    Amount A = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 - deducted;
-    HUTAR_045 = MinLong(floor0(A), s.TikraKizva);
+    t.set(s.TikraKizva, "תקרת הזיכוי לקצבה",
+          MaxLong(R(t(s.ChelekSachir) * K(ZIKUY_KIZVA_SACHIR) + t(s.ChelekAtzmai) * K(ZIKUY_KIZVA_ATZMAI)),
+                  K(HISAHONMIZARI)));
+    const TA deducted = (!p.isF && filing.JointStage == 2) ? t(st.SavedKizvaM) : t(s.NikuyKizva);
+    const TA A = MinLong(t(p.N140), R((t(s.ChelekAtzmai) + t(s.ChelekSachir)) * K(ZIKUY_BITUACH_SHEERIM))) +
+                 t(p.N045) + t(p.N268) + t(p.N135) - deducted;
+    t.set(HUTAR_045, allowed, MinLong(t.floor0(A), t(s.TikraKizva)));
 
     // Life insurance, within what the pension left under its ceiling.
-    s.TikraBituach = MaxLong(R(s.ChelekAtzmai * c.ZIKUY_BITUACH_TIKRA() + s.ChelekSachir * c.ZIKUY_BITUACH_TIKRA()),
-                             c.HISAHONMIZARI());
-    HUTAR_036 = MinLong(floor0(MinLong(p.N036, s.TikraBituach)), s.TikraKizva - HUTAR_045);
+    t.set(s.TikraBituach, "תקרת הזיכוי לביטוח חיים",
+          MaxLong(R(t(s.ChelekAtzmai) * K(ZIKUY_BITUACH_TIKRA) + t(s.ChelekSachir) * K(ZIKUY_BITUACH_TIKRA)),
+                  K(HISAHONMIZARI)));
+    t.set(HUTAR_036, allowed,
+          MinLong(t.floor0(MinLong(t(p.N036), t(s.TikraBituach))), t(s.TikraKizva) - t(HUTAR_045)));
 
     KizvaLimitZikuy(p);
+    t.who(p.isF ? 'F' : 'M');
 
     // Care of a family member in an institution: above 12.5% of taxable
     // income; it and line 61 do not both count, and on a tie line 61 stays.
-    HUTAR_132 = MinLong(floor0(R(p.N132 - s.HachnasaChayevet * c.MOSAD_SAF())), p.N132);
-    if (!Nekudot.N020) HUTAR_132 = 0;
+    t.set(HUTAR_132, allowed, MinLong(t.floor0(R(t(p.N132) - t(s.HachnasaChayevet) * K(MOSAD_SAF))), t(p.N132)));
+    if (!Nekudot.N020) t.moved(HUTAR_132, "לא תושב");
     const Amount W = R(HUTAR_132 * Percent(c.ZIKUY_RATE()));
     if (W.value() <= ZIKUY_023)
-        HUTAR_132 = 0;
+        t.moved(HUTAR_132, "זיכוי בעד נקודות הנטל גדול יותר");
     else
-        ZIKUY_023 = 0;
+        t.set(ZIKUY_023, "הזיכוי בעד הוצאות המוסד גדול יותר", t.k("0", 0.0));
 
     Settlement(p);
+    t.who(p.isF ? 'F' : 'M');
 
     // Donations: up to 30% of taxable income, within half the research base.
-    Amount D = floor0(R(s.HachnasaMechkar * c.TRUMOT_MECHKAR() - s.NikuyMechkar - s.NikuySratim));
-    D = MinLong(D, R(s.HachnasaChayevet * c.TRUMOT_TIKRA()));
-    D = MinLong(D, c.TRUMOTMAX());
-    if (p.N037 < c.TRUMOTMIN()) D = 0;
-    HUTAR_037 = MinLong(D, p.N037);
+    TA D = t.floor0(R(t(s.HachnasaMechkar) * K(TRUMOT_MECHKAR) - t(s.NikuyMechkar) - t(s.NikuySratim)));
+    D = MinLong(D, R(t(s.HachnasaChayevet) * K(TRUMOT_TIKRA)));
+    D = MinLong(D, K(TRUMOTMAX));
+    if (p.N037 < c.TRUMOTMIN()) D = t.name("תרומות מתחת לסכום המזערי", t.zero());
+    t.set(HUTAR_037, allowed, MinLong(D, t(p.N037)));
 
-    HUTAR_143 = p.N143;  // memorial donations: no cap
+    t.set(HUTAR_143, allowed, t(p.N143));  // memorial donations: no cap
 
-    AcherimCell = p.Acherim;
-    HUTAR_Acherim = p.Acherim;
+    t.set(AcherimCell, "", t(p.Acherim));
+    t.set(HUTAR_Acherim, allowed, t(p.Acherim));
 
     // Shift work: the shift pay within the salary ceiling, and no more than
     // the credit ceiling turned back into income at 15%.
-    s.OdefMishmarot = floor0(p.N068 + p.N158 - c.MISHMAROTMAX());
-    Amount shift = p.N068 - s.OdefMishmarot;
-    const double shiftRate = Percent(c.ZIKUY_RATE_MISHMAROT());
-    if (shift.value() > c.MISHMAROTZIKUYMAX().value() / shiftRate) shift = R(c.MISHMAROTZIKUYMAX().value() / shiftRate);
-    HUTAR_Mishmarot = floor0(shift);
+    t.set(s.OdefMishmarot, "שכר מעל תקרת המשמרות", t.floor0(t(p.N068) + t(p.N158) - K(MISHMAROTMAX)));
+    TA shift = t(p.N068) - t(s.OdefMishmarot);
+    const TD shiftRate = t.percent(K(ZIKUY_RATE_MISHMAROT));
+    if (val(shift).value() > c.MISHMAROTZIKUYMAX().value() / val(shiftRate)) shift = R(K(MISHMAROTZIKUYMAX) / shiftRate);
+    t.set(HUTAR_Mishmarot, allowed, t.floor0(shift));
 }
 
 // The second pension limit for the credits: the pair of allowed pension and
 // life insurance bases that is worth more stays.
-void Calculation::KizvaLimitZikuy(Person& p) {
+template <bool On>
+void Calculation<On>::KizvaLimitZikuy(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& HUTAR_045 = p.isF ? z.HUTAR_086 : z.HUTAR_045;
     Amount& HUTAR_036 = p.isF ? z.HUTAR_081 : z.HUTAR_036;
     if (p.N248 + p.N135 < c.KIZVA_MIN()) return;
-    const Amount I = s.HachnasaKizva;
-    const Amount S = floor0(p.N244);
-    const Amount P = MinLong(p.N140, R((s.ChelekAtzmai + s.ChelekSachir) * c.ZIKUY_BITUACH_SHEERIM())) + p.N045 + p.N268 + p.N135 -
-                     s.NikuyKizva;
-    const Amount T = P + p.N036;
-    Amount L;
-    if (S == 0) {
-        L = R(MinLong(I, c.HACH_MAX_ZIKUY()) * c.ZIKUY_KIZVA_ATZMAI());
+    t.who(p.isF ? 'F' : 'M');
+    const TA I = t(s.HachnasaKizva);
+    const TA S = t.floor0(t(p.N244));
+    const TA P = MinLong(t(p.N140), R((t(s.ChelekAtzmai) + t(s.ChelekSachir)) * K(ZIKUY_BITUACH_SHEERIM))) +
+                 t(p.N045) + t(p.N268) + t(p.N135) - t(s.NikuyKizva);
+    const TA T = P + t(p.N036);
+    TA L;
+    if (val(S) == 0) {
+        L = R(MinLong(I, K(HACH_MAX_ZIKUY)) * K(ZIKUY_KIZVA_ATZMAI));
     } else {
-        const Amount sachir = MinLong(c.HACHNASAMEZAKA_SACHIR(), I);
-        const Amount rest = MinLong(I - S, MinLong(c.HACH_MAX_ZIKUY() - MinLong(c.HACHNASAMEZAKA_SACHIR(), S), p.N135));
-        L = R(sachir * c.ZIKUY_KIZVA_SACHIR() + rest * c.ZIKUY_KIZVA_ATZMAI());
+        const TA sachir = MinLong(K(HACHNASAMEZAKA_SACHIR), I);
+        const TA rest =
+            MinLong(I - S, MinLong(K(HACH_MAX_ZIKUY) - MinLong(K(HACHNASAMEZAKA_SACHIR), S), t(p.N135)));
+        L = R(sachir * K(ZIKUY_KIZVA_SACHIR) + rest * K(ZIKUY_KIZVA_ATZMAI));
     }
-    L = MinLong(MaxLong(L, c.HISAHONMIZARI()), T);
-    const Amount P1 = MinLong(P, L);
-    const Amount L1 = MinLong(MaxLong(MinLong(p.N036, L - P1), 0), R(I * c.ZIKUY_BITUACH_TIKRA()));
+    L = MinLong(MaxLong(L, K(HISAHONMIZARI)), T);
+    const TA P1 = MinLong(P, L);
+    const TA L1 = MinLong(MaxLong(MinLong(t(p.N036), L - P1), t.zero()), R(I * K(ZIKUY_BITUACH_TIKRA)));
     const double kizva = Percent(c.ZIKUY_RATE()), bituach = Percent(c.ZIKUY_RATE_BITUACH());
-    if (HUTAR_045 * kizva + HUTAR_036 * bituach < P1 * kizva + L1 * bituach) {
-        HUTAR_045 = P1;
-        HUTAR_036 = L1;
+    if (HUTAR_045 * kizva + HUTAR_036 * bituach < val(P1) * kizva + val(L1) * bituach) {
+        t.set(HUTAR_045, "סכום מותר לזיכוי (לפי התקרה השנייה)", P1);
+        t.set(HUTAR_036, "סכום מותר לזיכוי (לפי התקרה השנייה)", L1);
     }
 }
 
 // Residents of certain settlements: a share of earned taxable income up to the
 // settlement's ceiling, for the months of residence.
-void Calculation::Settlement(Person& p) {
+template <bool On>
+void Calculation<On>::Settlement(Person& p) {
     PersonState& s = p.st;
     auto& z = out.Zikuim;
     Amount& paid = p.isF ? z.N193 : z.N093;
     Amount& base = p.isF ? z.HUTAR_193 : z.HUTAR_093;
     Amount& rate = p.isF ? z.RATE_193 : z.RATE_093;
-    paid = 0;
-    base = 0;
+    t.who(p.isF ? 'F' : 'M');
+    const char* income = "הכנסה מיגיעה אישית של תושב יישוב מוטב";
+    const char* allowed = "סכום מותר לזיכוי";
+    t.set(paid, "", t.zero());
+    t.set(base, "", t.zero());
     if (p.N093 == 1) {
-        paid = s.YegiaChayav;
-        base = MinLong(s.YegiaChayav, c.SFAR_TZAFON());
+        t.set(paid, income, t(s.YegiaChayav));
+        t.set(base, allowed, MinLong(t(s.YegiaChayav), K(SFAR_TZAFON)));
     } else if (p.N093 == 2) {
-        paid = s.YegiaChayav;
-        base = MinLong(s.YegiaChayav, c.SFAR_NEGEV_GALIL());
+        t.set(paid, income, t(s.YegiaChayav));
+        t.set(base, allowed, MinLong(t(s.YegiaChayav), K(SFAR_NEGEV_GALIL)));
     }
-    base = R(p.N093Month / 12.0 * base.value());
-    rate = p.N093Rate;
+    t.set(base, allowed, R(t(p.N093Month) / t.k("12", 12.0) * toD(t(base))));
+    t.set(rate, "", t(p.N093Rate));
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

@@ -5,46 +5,48 @@
 #include "engine/calculation.h"
 
 namespace zelmor::engine {
-namespace {
-Amount floor0(Amount v) { return MaxLong(v, 0); }
-}  // namespace
-
-void Calculation::FirstDeductions(Person& p) {
+template <bool On>
+void Calculation<On>::FirstDeductions(Person& p) {
     PersonState& s = p.st;
+    t.who(p.isF ? 'F' : 'M');
     // Study fund: the first 2.5% of the base does not count, the rest up to 4.5% does.
-    Amount base = floor0(c.HACHNASAHISHTALMUT() - p.N218);
-    base = MinLong(base, p.N150);
-    const Amount a = R(p.N136 - base * c.RATEMINHISHTALMUT());
-    const Amount b = R(base * c.RATEMAXHISHTALMUT());
-    s.NikuyHishtalmut = floor0(MinLong(a, b));
+    TA base = t.floor0(K(HACHNASAHISHTALMUT) - t(p.N218));
+    base = MinLong(base, t(p.N150));
+    const TA a = R(t(p.N136) - base * K(RATEMINHISHTALMUT));
+    const TA b = R(base * K(RATEMAXHISHTALMUT));
+    t.set(s.NikuyHishtalmut, "ניכוי לקרן השתלמות", t.floor0(MinLong(a, b)));
 
-    s.HachnasaMechkar = s.HachnasaKolel - s.NikuyHishtalmut;
-    s.NikuyNeft = p.N116;
-    s.NikuyHishtalmutNeft = s.NikuyNeft + s.NikuyHishtalmut;
-    s.HachnasaMechkar = floor0(s.HachnasaMechkar - s.NikuyNeft);
+    t.set(s.HachnasaMechkar, "", t(s.HachnasaKolel) - t(s.NikuyHishtalmut));
+    t.set(s.NikuyNeft, "ניכוי השקעה בנפט", t(p.N116));
+    t.set(s.NikuyHishtalmutNeft, "", t(s.NikuyNeft) + t(s.NikuyHishtalmut));
+    t.set(s.HachnasaMechkar, "הכנסה לעניין ניכוי מחקר", t.floor0(t(s.HachnasaMechkar) - t(s.NikuyNeft)));
 
     // Research takes up to 40% first; research and film share one limit of 45%.
-    s.NikuyMechkar = MinLong(R(s.HachnasaMechkar * c.MECHKAR_RATE()), p.N005);
-    s.NikuySratim = MinLong(floor0(R(s.HachnasaMechkar * c.MECHKAR_SRATIM_RATE() - s.NikuyMechkar)), p.N118);
+    t.set(s.NikuyMechkar, "ניכוי למחקר", MinLong(R(t(s.HachnasaMechkar) * K(MECHKAR_RATE)), t(p.N005)));
+    t.set(s.NikuySratim, "ניכוי השקעה בסרטים",
+          MinLong(t.floor0(R(t(s.HachnasaMechkar) * K(MECHKAR_SRATIM_RATE) - t(s.NikuyMechkar))), t(p.N118)));
 
-    s.NikuimRishon = s.NikuyMechkar + s.NikuyHishtalmutNeft + s.NikuySratim;
-    s.HachnasaAcharei = floor0(s.HachnasaKolel - s.NikuimRishon);
+    t.set(s.NikuimRishon, "ניכויים", t(s.NikuyMechkar) + t(s.NikuyHishtalmutNeft) + t(s.NikuySratim));
+    t.set(s.HachnasaAcharei, "הכנסה לאחר ניכויים", t.floor0(t(s.HachnasaKolel) - t(s.NikuimRishon)));
 }
 
 // Work-disability insurance: up to 2.5% of salary and business income. A loss
 // that makes the base negative counts as a base of 0, so the allowed amount
 // stays between 0 and the amount paid.
-void Calculation::WorkDisability(Person& p) {
+template <bool On>
+void Calculation<On>::WorkDisability(Person& p) {
     PersonState& s = p.st;
-    const Amount base = floor0(MinLong(p.N158 + p.N150, s.HachnasaAcharei));
-    p.cnN112S = p.N206 + p.N112;
-    p.cnN112H = MinLong(R(base * c.OVDAN_KOSHER_RATE()), p.cnN112S);
-    s.NikuimRishon += p.cnN112H;
-    s.HachnasaAcharei -= p.cnN112H;
-    s.HachnasaKizva = s.HachnasaAcharei;
+    t.who(p.isF ? 'F' : 'M');
+    const TA base = t.floor0(MinLong(t(p.N158) + t(p.N150), t(s.HachnasaAcharei)));
+    t.set(p.cnN112S, "", t(p.N206) + t(p.N112));
+    t.set(p.cnN112H, "ניכוי ביטוח אובדן כושר עבודה", MinLong(R(base * K(OVDAN_KOSHER_RATE)), t(p.cnN112S)));
+    t.set(s.NikuimRishon, "ניכויים", t(s.NikuimRishon) + t(p.cnN112H));
+    t.set(s.HachnasaAcharei, "הכנסה לאחר ניכויים", t(s.HachnasaAcharei) - t(p.cnN112H));
+    t.set(s.HachnasaKizva, "הכנסה לעניין ניכוי קצבה", t(s.HachnasaAcharei));
 }
 
-bool Calculation::isOlderForPension(const Person& p) const {
+template <bool On>
+bool Calculation<On>::isOlderForPension(const Person& p) const {
     if (p.BirthDate.isNull()) return false;
     int y, m, d;
     p.BirthDate.ymd(y, m, d);
@@ -53,88 +55,98 @@ bool Calculation::isOlderForPension(const Person& p) const {
 
 // Pension: the salary and self-employed shares of income, the general limit
 // and the limit of the older person.
-void Calculation::Pension(Person& p) {
+template <bool On>
+void Calculation<On>::Pension(Person& p) {
     PersonState& s = p.st;
-    const Amount salary = p.N068 + p.N158;
-    s.ChelekSachir = MinLong(salary, s.HachnasaKizva);
-    s.ChelekAtzmai = s.HachnasaKizva - s.ChelekSachir;
+    t.who(p.isF ? 'F' : 'M');
+    const TA salary = t(p.N068) + t(p.N158);
+    t.set(s.ChelekSachir, "הכנסה מזכה ממשכורת", MinLong(salary, t(s.HachnasaKizva)));
+    t.set(s.ChelekAtzmai, "הכנסה מזכה שאינה ממשכורת", t(s.HachnasaKizva) - t(s.ChelekSachir));
     if (p.chN204 > 0 || Klaliim.isFamily) {  // family company: the salary counts for nothing here
-        s.ChelekSachir = 0;
-        s.ChelekAtzmai = s.HachnasaKizva;
+        t.moved(s.ChelekSachir, "חברה משפחתית: המשכורת אינה נחשבת");
+        t.set(s.ChelekAtzmai, "הכנסה מזכה שאינה ממשכורת", t(s.HachnasaKizva));
     }
-    s.ChelekSachir = MinLong(s.ChelekSachir, c.HACHNASAMEZAKA_SACHIR());
+    t.set(s.ChelekSachir, "הכנסה מזכה ממשכורת", MinLong(t(s.ChelekSachir), K(HACHNASAMEZAKA_SACHIR)));
     // W: the salary without a pension of its own.
-    Amount W = salary - p.N244;
-    if (salary > c.HACH_MAX_NIKUY()) W -= salary - c.HACH_MAX_NIKUY();
-    W = MinLong(floor0(W), s.ChelekSachir);
-    s.ChelekAtzmai = MinLong(s.ChelekAtzmai, c.HACHNASAMEZAKA() - s.ChelekSachir);
+    TA W = salary - t(p.N244);
+    if (val(salary) > c.HACH_MAX_NIKUY()) W = W - (salary - K(HACH_MAX_NIKUY));
+    W = MinLong(t.floor0(W), t(s.ChelekSachir));
+    t.set(s.ChelekAtzmai, "הכנסה מזכה שאינה ממשכורת",
+          MinLong(t(s.ChelekAtzmai), K(HACHNASAMEZAKA) - t(s.ChelekSachir)));
 
     // The general limit.
-    const Amount P = MinLong(floor0(R(s.ChelekAtzmai * c.NIKUY_KIZVA_ATZMAI() + W * c.NIKUY_KIZVA_SACHIR())), p.N135);
-    Amount e = MinLong(R(s.ChelekAtzmai * c.NIKUY_KIZVA_TIKRA()), p.N135);
-    e = floor0(R(e - s.ChelekAtzmai * c.NIKUY_KIZVA_SAF()));
-    Amount D = P + e;
+    const TA P = MinLong(t.floor0(R(t(s.ChelekAtzmai) * K(NIKUY_KIZVA_ATZMAI) + W * K(NIKUY_KIZVA_SACHIR))),
+                         t(p.N135));
+    TA e = MinLong(R(t(s.ChelekAtzmai) * K(NIKUY_KIZVA_TIKRA)), t(p.N135));
+    e = t.floor0(R(e - t(s.ChelekAtzmai) * K(NIKUY_KIZVA_SAF)));
+    TA D = P + e;
 
     // The limit of the older person.
-    const Amount O1 = MinLong(R(W * c.MEVUGAR_SACHIR()), R(s.ChelekSachir * c.MEVUGAR_SACHIR_TIKRA()));
-    const Amount O2 = MinLong(R(s.ChelekAtzmai * c.MEVUGAR_ATZMAI()), R(c.HACHNASAMEZAKA() * c.MEVUGAR_MEZAKA() - O1));
-    Amount Q = MinLong(floor0(O1 + O2), p.N135);
+    const TA O1 = MinLong(R(W * K(MEVUGAR_SACHIR)), R(t(s.ChelekSachir) * K(MEVUGAR_SACHIR_TIKRA)));
+    const TA O2 = MinLong(R(t(s.ChelekAtzmai) * K(MEVUGAR_ATZMAI)), R(K(HACHNASAMEZAKA) * K(MEVUGAR_MEZAKA) - O1));
+    TA Q = MinLong(t.floor0(O1 + O2), t(p.N135));
     const bool hasBase = s.HachnasaKizva != 0;
-    Amount q1 = R(s.ChelekAtzmai * c.MEVUGAR_TIKRA());
-    const Amount c1 = hasBase ? R(s.ChelekAtzmai.value() / static_cast<double>(s.HachnasaKizva.value()) *
-                                  c.MEZAKA16().value())
-                              : Amount(0);
-    q1 = MinLong(MinLong(q1, c1), p.N135);
-    Amount q2 = R(s.ChelekAtzmai * c.MEVUGAR_SAF());
-    const Amount c2 = hasBase ? R(s.ChelekAtzmai.value() / static_cast<double>(s.HachnasaKizva.value()) *
-                                  c.MEZAKA12().value())
-                              : Amount(0);
+    TA q1 = R(t(s.ChelekAtzmai) * K(MEVUGAR_TIKRA));
+    const TA c1 = hasBase ? R(t(s.ChelekAtzmai) / toD(t(s.HachnasaKizva)) * K(MEZAKA16)) : t.zero();
+    q1 = MinLong(MinLong(q1, c1), t(p.N135));
+    TA q2 = R(t(s.ChelekAtzmai) * K(MEVUGAR_SAF));
+    const TA c2 = hasBase ? R(t(s.ChelekAtzmai) / toD(t(s.HachnasaKizva)) * K(MEZAKA12)) : t.zero();
     q2 = MinLong(q2, c2);
-    const Amount q = MinLong(floor0(q1 - q2), c.MEZAKA04());
-    Q += q;
+    const TA q = MinLong(t.floor0(q1 - q2), K(MEZAKA04));
+    Q = Q + q;
 
     if (isOlderForPension(p)) D = Q;
-    s.NikuyKizva = MinLong(D, p.N135);
+    t.set(s.NikuyKizva, "ניכוי לקצבה", MinLong(D, t(p.N135)));
 }
 
 // The second pension limit, for deposits of at least KIZVA_MIN: 11% of the
 // insured-free income up to the qualifying income, 7% and 4% above it.
-void Calculation::KizvaLimitNikuy(Person& p) {
+template <bool On>
+void Calculation<On>::KizvaLimitNikuy(Person& p) {
     PersonState& s = p.st;
-    const Amount A = p.N248 + p.N135;
-    if (A < c.KIZVA_MIN()) return;
-    const Amount I = s.HachnasaKizva;
-    const Amount S = floor0(p.N244);
-    const Amount qual = p.isF ? c.HACHNASAMEZAKA_SACHIR() : c.HACHNASA_AMIT_AZMAI();
-    const Amount S1 = floor0(MinLong(I, c.HACHNASA_AMIT_AZMAI()) - S);
-    const Amount T = floor0(MinLong(I - S, qual));
-    const Amount U = floor0(MinLong(I, c.HACH_MAX_NIKUY()) - MaxLong(S, qual));
-    const Amount S2 = MinLong(T, U);
-    const Amount X1 = MinLong(A, R(S1 * c.KIZVA2_AMIT()));
-    const Amount X2 = MinLong(A - X1, R(S2 * c.KIZVA2_SACHIR()));
-    Amount X3 = MinLong(A - X1 - X2, R(S2 * c.KIZVA2_TOSEFET()));
-    X3 = MinLong(X3, MaxLong(0, A - c.KIZVA_MIN()));
-    if (S2 * c.KIZVA2_MIVCHAN() > (A - X1).value()) X3 = 0;
-    const Amount L = MinLong(p.N135, X1 + X2 + X3);
-    if (L > s.NikuyKizva) s.NikuyKizva = L;
+    t.who(p.isF ? 'F' : 'M');
+    const TA A = t(p.N248) + t(p.N135);
+    if (val(A) < c.KIZVA_MIN()) return;
+    const TA I = t(s.HachnasaKizva);
+    const TA S = t.floor0(t(p.N244));
+    const TA qual = p.isF ? K(HACHNASAMEZAKA_SACHIR) : K(HACHNASA_AMIT_AZMAI);
+    const TA S1 = t.floor0(MinLong(I, K(HACHNASA_AMIT_AZMAI)) - S);
+    const TA T = t.floor0(MinLong(I - S, qual));
+    const TA U = t.floor0(MinLong(I, K(HACH_MAX_NIKUY)) - MaxLong(S, qual));
+    const TA S2 = MinLong(T, U);
+    const TA X1 = MinLong(A, R(S1 * K(KIZVA2_AMIT)));
+    const TA X2 = MinLong(A - X1, R(S2 * K(KIZVA2_SACHIR)));
+    TA X3 = MinLong(A - X1 - X2, R(S2 * K(KIZVA2_TOSEFET)));
+    X3 = MinLong(X3, MaxLong(t.zero(), A - K(KIZVA_MIN)));
+    if (val(S2) * c.KIZVA2_MIVCHAN() > (val(A) - val(X1)).value()) X3 = t.zero();
+    const TA L = MinLong(t(p.N135), X1 + X2 + X3);
+    if (val(L) > s.NikuyKizva) t.set(s.NikuyKizva, "ניכוי לקצבה (לפי התקרה השנייה)", L);
 }
 
 // Second pass of the joint mode: F's study fund and pension deductions join M's.
-void Calculation::JoinPersons() {
-    st.M.NikuyHishtalmut += st.F.NikuyHishtalmut;
-    st.SavedKizvaM = st.M.NikuyKizva;
-    st.M.NikuyKizva += st.F.NikuyKizva;
-    st.F.NikuyHishtalmut = 0;
-    st.F.NikuyKizva = 0;
+template <bool On>
+void Calculation<On>::JoinPersons() {
+    t.who('M');
+    t.set(st.M.NikuyHishtalmut, "ניכוי לקרן השתלמות של שני בני הזוג", t(st.M.NikuyHishtalmut) + t(st.F.NikuyHishtalmut));
+    t.set(st.SavedKizvaM, "ניכוי לקצבה של הנישום", t(st.M.NikuyKizva));
+    t.set(st.M.NikuyKizva, "ניכוי לקצבה של שני בני הזוג", t(st.M.NikuyKizva) + t(st.F.NikuyKizva));
+    t.who('F');
+    t.moved(st.F.NikuyHishtalmut, "הועבר לנישום");
+    t.moved(st.F.NikuyKizva, "הועבר לנישום");
 }
 
-void Calculation::TotalDeductions(Person& p) {
+template <bool On>
+void Calculation<On>::TotalDeductions(Person& p) {
     PersonState& s = p.st;
-    s.NikuimBeforeBL = s.NikuimRishon + s.NikuyKizva;
-    s.HachnasaBeforeBL = floor0(s.HachnasaKolel - s.NikuimBeforeBL);
-    s.NikuyBL = MinLong(R(p.N030 * c.BLRATE()), s.HachnasaBeforeBL);
-    s.NikuimKolel = s.NikuyBL + s.NikuimBeforeBL;
-    s.HachnasaChayevet = floor0(s.HachnasaKolel - s.NikuimKolel);
+    t.who(p.isF ? 'F' : 'M');
+    t.set(s.NikuimBeforeBL, "ניכויים לפני ביטוח לאומי", t(s.NikuimRishon) + t(s.NikuyKizva));
+    t.set(s.HachnasaBeforeBL, "הכנסה לעניין ניכוי ביטוח לאומי", t.floor0(t(s.HachnasaKolel) - t(s.NikuimBeforeBL)));
+    t.set(s.NikuyBL, "ניכוי דמי ביטוח לאומי", MinLong(R(t(p.N030) * K(BLRATE)), t(s.HachnasaBeforeBL)));
+    t.set(s.NikuimKolel, "סה\"כ ניכויים", t(s.NikuyBL) + t(s.NikuimBeforeBL));
+    t.set(s.HachnasaChayevet, "הכנסה חייבת", t.floor0(t(s.HachnasaKolel) - t(s.NikuimKolel)));
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

@@ -2,24 +2,25 @@
 // shift of special-rate lines into regular income, and the offset of
 // deductions and losses.
 
+#include <stdexcept>
+#include <string_view>
+
 #include "engine/calculation.h"
+#include "report/entry_layout.h"
 
 namespace zelmor::engine {
-namespace {
-
 // Adds the second field into the first and empties the second.
-void moveInto(Amount& to, Amount& from) {
-    to += from;
-    from = 0;
+template <bool On>
+void Calculation<On>::moveInto(Amount& to, Amount& from) {
+    t.set(to, "בצירוף בן הזוג", t(to) + t(from));
+    t.moved(from, "הועבר לנישום");
 }
 
-Amount clamp(Amount v, Amount hi) { return MinLong(MaxLong(v, 0), hi); }  // below 0 it is 0; above hi it is hi
-
-}  // namespace
-
 // Modes 3 and 4: F's earned lines (and the insured salary) join M's.
-void Calculation::MergeYegia() {
+template <bool On>
+void Calculation<On>::MergeYegia() {
     auto& y = Yegia;
+    t.who('M');
     moveInto(y.N150, y.N170);
     moveInto(y.N250, y.N270);
     moveInto(y.N158, y.N172);
@@ -33,206 +34,252 @@ void Calculation::MergeYegia() {
 
 // Mode 4, second pass: F's other lines, deductions and credits are added to
 // M's; F's fields keep their values.
-void Calculation::MergeRechush() {
+template <bool On>
+void Calculation<On>::MergeRechush() {
     auto& y = Yegia;
     auto& r = Rechush;
     auto& n = Nikuim;
     auto& z = Zikuim;
-    y.N201 += y.N301;
-    y.N202 += y.N302;
-    y.N204 += y.N304;
-    y.N205 += y.N305;
-    r.N217 += r.N317;
-    r.N226 += r.N326;
-    r.N242 += r.N342;
-    r.N214 += r.N314;
-    r.N211 += r.N311;
-    r.N228 += r.N328;
-    r.N257 += r.N357;
-    r.N241 += r.N341;
-    r.N212 += r.N312;
-    r.N213 += r.N313;
-    r.AcheretM += r.AcheretF;
-    n.N112 += n.N113;
-    n.N206 += n.N207;
-    n.N030 += n.N089;
-    n.N005 += n.N006;
-    n.N116 += n.N117;
-    n.N118 += n.N119;
-    z.N036 += z.N081;
-    z.N045 += z.N086;
-    z.N268 += z.N269;
-    z.N132 += z.N232;
-    z.N037 += z.N237;
-    z.N143 += z.N144;
-    z.AcherimM += z.AcherimF;
+    const std::pair<Amount*, const Amount*> pairs[] = {
+        {&y.N201, &y.N301}, {&y.N202, &y.N302}, {&y.N204, &y.N304}, {&y.N205, &y.N305}, {&r.N217, &r.N317},
+        {&r.N226, &r.N326}, {&r.N242, &r.N342}, {&r.N214, &r.N314}, {&r.N211, &r.N311}, {&r.N228, &r.N328},
+        {&r.N257, &r.N357}, {&r.N241, &r.N341}, {&r.N212, &r.N312}, {&r.N213, &r.N313}, {&r.AcheretM, &r.AcheretF},
+        {&n.N112, &n.N113}, {&n.N206, &n.N207}, {&n.N030, &n.N089}, {&n.N005, &n.N006}, {&n.N116, &n.N117},
+        {&n.N118, &n.N119}, {&z.N036, &z.N081}, {&z.N045, &z.N086}, {&z.N268, &z.N269}, {&z.N132, &z.N232},
+        {&z.N037, &z.N237}, {&z.N143, &z.N144}, {&z.AcherimM, &z.AcherimF}};
+    t.who('M');
+    for (const auto& [to, from] : pairs) t.set(*to, "בצירוף בן הזוג", t(*to) + t(*from));
 }
 
 // The merged fields get the user's figures back.
-void Calculation::RestoreYegia() {
+template <bool On>
+void Calculation<On>::RestoreYegia() {
     Yegia = report.Yegia;
     Nikuim.N244 = report.Nikuim.N244;
     Nikuim.N245 = report.Nikuim.N245;
+    if constexpr (On) {
+        t.rec->forget(&Yegia, &Yegia + 1);
+        t.rec->forget(&Nikuim.N244, &Nikuim.N244 + 1);
+        t.rec->forget(&Nikuim.N245, &Nikuim.N245 + 1);
+    }
 }
 
-void Calculation::RestoreRechush() {
+template <bool On>
+void Calculation<On>::RestoreRechush() {
     Yegia = report.Yegia;
     Rechush = report.Rechush;
     Nikuim = report.Nikuim;
     Zikuim = report.Zikuim;
+    if constexpr (On) {
+        t.rec->forget(&Yegia, &Yegia + 1);
+        t.rec->forget(&Rechush, &Rechush + 1);
+        t.rec->forget(&Nikuim, &Nikuim + 1);
+        t.rec->forget(&Zikuim, &Zikuim + 1);
+    }
+}
+
+// The sum of a derived total's parts in the run's copy of the earned lines.
+template <bool On>
+auto Calculation<On>::yegiaTotal(const char* total) const -> TA {
+    for (const DerivedTotal& d : derivedTotals()) {
+        if (d.section != SectionId::Yegia || std::string_view(d.total) != total) continue;
+        TA sum = t.zero();
+        for (const char* part : d.parts)
+            sum = sum + t(*static_cast<const Amount*>(findField("Yegia", part)->inSection(const_cast<sections::Yegia*>(&Yegia))));
+        return sum;
+    }
+    throw std::logic_error("no total " + std::string(total));
 }
 
 // Earned income of both persons, and who carries the lines of both spouses:
 // F only when F earned more.
-void Calculation::EarnedIncome() {
-    st.M.HachnasaYegia = SumTTLM(Yegia);
-    st.F.HachnasaYegia = SumTTLF(Yegia);
+template <bool On>
+void Calculation<On>::EarnedIncome() {
+    const char* name = "הכנסה מיגיעה אישית";
+    if constexpr (On) {
+        t.who('M');
+        t.set(st.M.HachnasaYegia, name, yegiaTotal("TTLM"));
+        t.who('F');
+        t.set(st.F.HachnasaYegia, name, yegiaTotal("TTLF"));
+    } else {
+        st.M.HachnasaYegia = SumTTLM(Yegia);
+        st.F.HachnasaYegia = SumTTLF(Yegia);
+    }
     st.isYegiaFGreater = st.F.HachnasaYegia > st.M.HachnasaYegia;
 }
 
 // The person's own lines.
-void Calculation::GatherLines(Person& p) {
+template <bool On>
+void Calculation<On>::GatherLines(Person& p) {
     PersonState& s = p.st;
-    p.chN201 = p.N201;
-    p.chN202 = p.N202;
-    p.chN204 = p.N204;
-    p.chN205 = p.N205;
-    s.LineN214 = p.N214;
-    s.LineN211 = p.N211;
-    s.LineN228 = p.N228;
-    s.LineN257 = p.N257;
-    s.LineN241 = p.N241;
-    s.LineN212 = p.N212;
-    s.LineN213 = p.N213;
-    s.LineN217 = p.N217;
-    s.LineN226 = p.N226;
-    s.LineN242 = p.N242;
-    s.LineAcheret = p.Acheret;
+    t.who(p.isF ? 'F' : 'M');
+    t.set(p.chN201, "", t(p.N201));
+    t.set(p.chN202, "", t(p.N202));
+    t.set(p.chN204, "", t(p.N204));
+    t.set(p.chN205, "", t(p.N205));
+    t.set(s.LineN214, "", t(p.N214));
+    t.set(s.LineN211, "", t(p.N211));
+    t.set(s.LineN228, "", t(p.N228));
+    t.set(s.LineN257, "", t(p.N257));
+    t.set(s.LineN241, "", t(p.N241));
+    t.set(s.LineN212, "", t(p.N212));
+    t.set(s.LineN213, "", t(p.N213));
+    t.set(s.LineN217, "", t(p.N217));
+    t.set(s.LineN226, "", t(p.N226));
+    t.set(s.LineN242, "", t(p.N242));
+    t.set(s.LineAcheret, "", t(p.Acheret));
     if (!p.isF) {
-        st.LineN222 = Rechush.N222;
-        st.LineN225 = Rechush.N225;
-        st.LineN227 = Rechush.N227;
+        t.set(st.LineN222, "", t(Rechush.N222));
+        t.set(st.LineN225, "", t(Rechush.N225));
+        t.set(st.LineN227, "", t(Rechush.N227));
     }
 }
 
 // The lines of both spouses, on top of the person's own.
-void Calculation::GatherShared(Person& p) {
+template <bool On>
+void Calculation<On>::GatherShared(Person& p) {
     PersonState& s = p.st;
     const auto& r = Rechush;
-    p.chN201 += Yegia.N059;
-    p.chN202 += Yegia.N159;
-    p.chN204 += Yegia.N367;
-    p.chN205 += Yegia.N167;
-    s.LineN214 += r.N061;
-    s.LineN211 = s.LineN211 + r.N060 + Pturot.N256Revach;
-    s.LineN228 = s.LineN228 + r.N067 + Pturot.N256Revach20;
-    s.LineN257 = s.LineN257 + r.N157 + Pturot.N256Revach25;
-    s.LineN241 += r.N141;
-    s.LineN212 = s.LineN212 + r.N055 + Pturot.Reali25;
-    s.LineN213 += r.N053;
-    s.LineN217 += r.N078;
-    s.LineN226 += r.N126;
-    s.LineN242 += r.N142;
-    s.LineAcheret += r.Acheret;
-    p.chReali = Pturot.Reali;
-    s.LineInfla = Pturot.Infla;
+    const auto& pt = Pturot;
+    const char* both = "בצירוף הכנסות משותפות";
+    t.who(p.isF ? 'F' : 'M');
+    t.set(p.chN201, "", t(p.chN201) + t(Yegia.N059));
+    t.set(p.chN202, "", t(p.chN202) + t(Yegia.N159));
+    t.set(p.chN204, "", t(p.chN204) + t(Yegia.N367));
+    t.set(p.chN205, "", t(p.chN205) + t(Yegia.N167));
+    t.set(s.LineN214, both, t(s.LineN214) + t(r.N061));
+    t.set(s.LineN211, both, t(s.LineN211) + t(r.N060) + t(pt.N256Revach));
+    t.set(s.LineN228, both, t(s.LineN228) + t(r.N067) + t(pt.N256Revach20));
+    t.set(s.LineN257, both, t(s.LineN257) + t(r.N157) + t(pt.N256Revach25));
+    t.set(s.LineN241, both, t(s.LineN241) + t(r.N141));
+    t.set(s.LineN212, both, t(s.LineN212) + t(r.N055) + t(pt.Reali25));
+    t.set(s.LineN213, both, t(s.LineN213) + t(r.N053));
+    t.set(s.LineN217, both, t(s.LineN217) + t(r.N078));
+    t.set(s.LineN226, both, t(s.LineN226) + t(r.N126));
+    t.set(s.LineN242, both, t(s.LineN242) + t(r.N142));
+    t.set(s.LineAcheret, both, t(s.LineAcheret) + t(r.Acheret));
+    t.set(p.chReali, "", t(pt.Reali));
+    t.set(s.LineInfla, "", t(pt.Infla));
 }
 
 // Total income of the person: regular-rate property, earned, and the
 // special-rate lines that count in the total.
-void Calculation::TotalIncome(Person& p) {
+template <bool On>
+void Calculation<On>::TotalIncome(Person& p) {
     PersonState& s = p.st;
-    s.RechushRagil = p.chN201 + p.chN202 + p.chN204 + p.chN205 + p.chReali;
+    t.who(p.isF ? 'F' : 'M');
+    t.set(s.RechushRagil, "הכנסה מרכוש בשיעור רגיל",
+          t(p.chN201) + t(p.chN202) + t(p.chN204) + t(p.chN205) + t(p.chReali));
     if (Rechush.AcheretRate <= c.ACHERET_NAMUCH_MAX())
-        s.AcheretNamuch = s.LineAcheret;
+        t.set(s.AcheretNamuch, "הכנסה אחרת בשיעור נמוך", t(s.LineAcheret));
     else
-        s.AcheretGavoha = s.LineAcheret;
-    s.MeyuchadNamuch =
-        s.LineN211 + s.LineN228 + s.LineN257 + s.LineN241 + s.LineN212 + s.AcheretNamuch + s.LineInfla;
-    s.MeyuchadGavoha = s.LineN214 + s.LineN213 + s.AcheretGavoha;
-    s.HachnasaKolel = s.RechushRagil + s.HachnasaYegia + s.MeyuchadNamuch + s.MeyuchadGavoha;
+        t.set(s.AcheretGavoha, "הכנסה אחרת בשיעור גבוה", t(s.LineAcheret));
+    t.set(s.MeyuchadNamuch, "הכנסות בשיעורים נמוכים",
+          t(s.LineN211) + t(s.LineN228) + t(s.LineN257) + t(s.LineN241) + t(s.LineN212) + t(s.AcheretNamuch) +
+              t(s.LineInfla));
+    t.set(s.MeyuchadGavoha, "הכנסות בשיעורים גבוהים", t(s.LineN214) + t(s.LineN213) + t(s.AcheretGavoha));
+    t.set(s.HachnasaKolel, "סך כל ההכנסות",
+          t(s.RechushRagil) + t(s.HachnasaYegia) + t(s.MeyuchadNamuch) + t(s.MeyuchadGavoha));
 }
+
+// Below 0 it is 0; above hi it is hi.
+template <bool On>
+auto Calculation<On>::clamp(TA v, TA hi) const -> TA { return MinLong(MaxLong(v, t.zero()), hi); }
 
 // While regular income stays under the top of bracket 3, part of the 35%, the
 // 40% and the high limited-rate lines is taxed on the regular scales; then the
 // two scales, the age rule and the netting of losses.
-void Calculation::ShiftToRegular(Person& p) {
+template <bool On>
+void Calculation<On>::ShiftToRegular(Person& p) {
     PersonState& s = p.st;
-    const Amount B = s.RechushRagil + s.HachnasaYegia;
-    p.chN213A = clamp(c.SUM3() - B, s.LineN213);
-    s.Yitra35 = s.LineN213 - p.chN213A;
-    p.chN214A = clamp(c.SUM3() - (B + p.chN213A), s.LineN214);
-    s.Yitra40 = s.LineN214 - p.chN214A;
-    st.SafAcheret = Rechush.AcheretRate <= c.ACHERET_SUM3_MAX() ? c.SUM3() : c.SUM4();
-    p.chAcheretB1 = clamp(st.SafAcheret - (B + p.chN213A + p.chN214A), s.AcheretGavoha);
-    s.YitraAcheret = s.AcheretGavoha - p.chAcheretB1;
-    s.BasisYegia = s.HachnasaYegia + p.chN214A;
-    s.BasisLoYegia = s.RechushRagil + p.chN213A + p.chAcheretB1;
+    t.who(p.isF ? 'F' : 'M');
+    const TA B = t(s.RechushRagil) + t(s.HachnasaYegia);
+    t.set(p.chN213A, "הכנסה בשיעור 35% שחויבה בשיעור רגיל", clamp(K(SUM3) - B, t(s.LineN213)));
+    t.set(s.Yitra35, "יתרת הכנסה בשיעור 35%", t(s.LineN213) - t(p.chN213A));
+    t.set(p.chN214A, "הכנסה בשיעור 40% שחויבה בשיעור רגיל", clamp(K(SUM3) - (B + t(p.chN213A)), t(s.LineN214)));
+    t.set(s.Yitra40, "יתרת הכנסה בשיעור 40%", t(s.LineN214) - t(p.chN214A));
+    t.set(st.SafAcheret, "תקרת ההכנסה האחרת בשיעור רגיל",
+          Rechush.AcheretRate <= c.ACHERET_SUM3_MAX() ? K(SUM3) : K(SUM4));
+    t.set(p.chAcheretB1, "הכנסה אחרת שחויבה בשיעור רגיל",
+          clamp(t(st.SafAcheret) - (B + t(p.chN213A) + t(p.chN214A)), t(s.AcheretGavoha)));
+    t.set(s.YitraAcheret, "יתרת הכנסה אחרת", t(s.AcheretGavoha) - t(p.chAcheretB1));
+    t.set(s.BasisYegia, "הכנסה מיגיעה אישית בשיעור רגיל", t(s.HachnasaYegia) + t(p.chN214A));
+    t.set(s.BasisLoYegia, "הכנסה שלא מיגיעה אישית בשיעור רגיל",
+          t(s.RechushRagil) + t(p.chN213A) + t(p.chAcheretB1));
 
     // A person born in or before YEARYEGIA has only the earned scale.
     if (!p.BirthDate.isNull() && p.BirthDate.year() <= c.YEARYEGIA()) {
-        s.BasisYegia += s.BasisLoYegia;
-        s.BasisLoYegia = 0;
+        t.set(s.BasisYegia, "הכנסה בשיעור רגיל (מבוגר: כולה כהכנסה מיגיעה)", t(s.BasisYegia) + t(s.BasisLoYegia));
+        t.moved(s.BasisLoYegia, "הועברה להכנסה מיגיעה אישית");
     }
     // A loss of the earned scale eats the non-earned scale first; what is left
     // goes on down the special-rate lines.
     if (s.BasisYegia < 0) {
-        s.BasisLoYegia += s.BasisYegia;
-        s.BasisYegia = 0;
+        t.set(s.BasisLoYegia, "לאחר קיזוז הפסד מיגיעה אישית", t(s.BasisLoYegia) + t(s.BasisYegia));
+        t.moved(s.BasisYegia, "ההפסד קוזז");
     }
     if (s.BasisLoYegia < 0) {
-        s.HefsedYitra = -s.BasisLoYegia;
-        s.BasisLoYegia = 0;
+        t.set(s.HefsedYitra, "הפסד שנותר לקיזוז", t.zero() - t(s.BasisLoYegia));
+        t.moved(s.BasisLoYegia, "ההפסד עבר לקיזוז מהכנסות בשיעור מיוחד");
     }
 }
 
 // Deductions go against the non-earned scale, then the earned scale, then the
 // special-rate lines from the highest rate down.
-void Calculation::Offset(Person& p) {
+template <bool On>
+void Calculation<On>::Offset(Person& p) {
     PersonState& s = p.st;
-    s.KizuzLoYegia = MinLong(s.NikuimKolel, s.BasisLoYegia);
-    s.LoYegiaChayav = s.BasisLoYegia - s.KizuzLoYegia;
-    s.KizuzYegia = MinLong(s.NikuimKolel - s.KizuzLoYegia, s.BasisYegia);
-    s.YegiaChayav = s.BasisYegia - s.KizuzYegia;
-    st.ChainNikuim = s.NikuimKolel - s.KizuzLoYegia - s.KizuzYegia;
-    st.ChainHefsed = s.HefsedYitra;
+    t.who(p.isF ? 'F' : 'M');
+    t.set(s.KizuzLoYegia, "ניכויים שקוזזו מהכנסה שלא מיגיעה אישית", MinLong(t(s.NikuimKolel), t(s.BasisLoYegia)));
+    t.set(s.LoYegiaChayav, "הכנסה חייבת שלא מיגיעה אישית", t(s.BasisLoYegia) - t(s.KizuzLoYegia));
+    t.set(s.KizuzYegia, "ניכויים שקוזזו מהכנסה מיגיעה אישית",
+          MinLong(t(s.NikuimKolel) - t(s.KizuzLoYegia), t(s.BasisYegia)));
+    t.set(s.YegiaChayav, "הכנסה חייבת מיגיעה אישית", t(s.BasisYegia) - t(s.KizuzYegia));
+    t.set(st.ChainNikuim, "יתרת ניכויים", t(s.NikuimKolel) - t(s.KizuzLoYegia) - t(s.KizuzYegia));
+    t.set(st.ChainHefsed, "יתרת הפסד", t(s.HefsedYitra));
     OffsetChain(p);
-    s.NikuimYitra = st.ChainNikuim;
-    s.HefsedSof = st.ChainHefsed;
+    t.set(s.NikuimYitra, "ניכויים שקוזזו מהכנסות בשיעור מיוחד ולא נוצלו", t(st.ChainNikuim));
+    t.set(s.HefsedSof, "הפסד שלא קוזז", t(st.ChainHefsed));
 }
 
 // One line of the chain: offset first by deductions, then by the loss.
-Amount Calculation::OffsetChainStep(Amount x) {
-    const Amount a = MinLong(st.ChainNikuim, x);
-    st.ChainNikuim -= a;
-    x -= a;
-    const Amount b = MinLong(st.ChainHefsed, x);
-    x -= b;
-    st.ChainHefsed -= b;
-    return x;
+template <bool On>
+void Calculation<On>::OffsetChainStep(Amount& net, const Amount& line) {
+    TA x = t(line);
+    const TA a = MinLong(t(st.ChainNikuim), x);
+    t.set(st.ChainNikuim, "יתרת ניכויים", t(st.ChainNikuim) - a);
+    x = x - a;
+    const TA b = MinLong(t(st.ChainHefsed), x);
+    x = x - b;
+    t.set(st.ChainHefsed, "יתרת הפסד", t(st.ChainHefsed) - b);
+    t.set(net, "הכנסה לאחר קיזוז ניכויים והפסדים", x);
 }
 
-void Calculation::OffsetChain(Person& p) {
+template <bool On>
+void Calculation<On>::OffsetChain(Person& p) {
     PersonState& s = p.st;
     const Amount rate = Rechush.AcheretRate;
-    if (rate >= c.RATE_N214()) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
-    s.NetN214 = OffsetChainStep(s.Yitra40);
-    if (rate < c.RATE_N214()) s.NetAcheretGavoha = OffsetChainStep(s.YitraAcheret);
-    s.NetN213 = OffsetChainStep(s.Yitra35);
-    s.NetN212 = OffsetChainStep(s.LineN212);
-    if (rate > c.RATE_N257() && rate <= c.RATE_N212()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
-    s.NetN257 = OffsetChainStep(s.LineN257);
-    s.NetN241 = OffsetChainStep(s.LineN241);
-    s.NetN242 = OffsetChainStep(s.LineN242);
-    if (rate > c.RATE_N228() && rate <= c.RATE_N242()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
-    s.NetN228 = OffsetChainStep(s.LineN228);
-    s.NetN226 = OffsetChainStep(s.LineN226);
-    if (rate > c.RATE_N211() && rate <= c.RATE_N226()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
-    s.NetN211 = OffsetChainStep(s.LineN211);
-    s.NetN217 = OffsetChainStep(s.LineN217);
-    if (rate > c.RATE_INFLA() && rate <= c.RATE_N217()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
-    s.NetInfla = OffsetChainStep(s.LineInfla);
-    if (rate <= c.RATE_INFLA()) s.NetAcheretNamuch = OffsetChainStep(s.AcheretNamuch);
+    if (rate >= c.RATE_N214()) OffsetChainStep(s.NetAcheretGavoha, s.YitraAcheret);
+    OffsetChainStep(s.NetN214, s.Yitra40);
+    if (rate < c.RATE_N214()) OffsetChainStep(s.NetAcheretGavoha, s.YitraAcheret);
+    OffsetChainStep(s.NetN213, s.Yitra35);
+    OffsetChainStep(s.NetN212, s.LineN212);
+    if (rate > c.RATE_N257() && rate <= c.RATE_N212()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
+    OffsetChainStep(s.NetN257, s.LineN257);
+    OffsetChainStep(s.NetN241, s.LineN241);
+    OffsetChainStep(s.NetN242, s.LineN242);
+    if (rate > c.RATE_N228() && rate <= c.RATE_N242()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
+    OffsetChainStep(s.NetN228, s.LineN228);
+    OffsetChainStep(s.NetN226, s.LineN226);
+    if (rate > c.RATE_N211() && rate <= c.RATE_N226()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
+    OffsetChainStep(s.NetN211, s.LineN211);
+    OffsetChainStep(s.NetN217, s.LineN217);
+    if (rate > c.RATE_INFLA() && rate <= c.RATE_N217()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
+    OffsetChainStep(s.NetInfla, s.LineInfla);
+    if (rate <= c.RATE_INFLA()) OffsetChainStep(s.NetAcheretNamuch, s.AcheretNamuch);
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

@@ -6,10 +6,13 @@
 
 namespace zelmor::engine {
 
-void Calculation::CalcBLM() { CalcBL(false); }
-void Calculation::CalcBLF() { CalcBL(true); }
+template <bool On>
+void Calculation<On>::CalcBLM() { CalcBL(false); }
+template <bool On>
+void Calculation<On>::CalcBLF() { CalcBL(true); }
 
-void Calculation::CalcBL(bool forF) {
+template <bool On>
+void Calculation<On>::CalcBL(bool forF) {
     auto& b = out.BL;
     const auto& y = Yegia;
     const auto& r = Rechush;
@@ -79,7 +82,8 @@ void Calculation::CalcBL(bool forF) {
 
 // Which classes are charged. The pension deduction goes against the larger of
 // the classes that are charged.
-void Calculation::SplitBL() {
+template <bool On>
+void Calculation<On>::SplitBL() {
     if (st.BLSachir > c.BLMAXIMUM()) st.BLSachir = c.BLMAXIMUM();
     if (st.BLAzmai <= c.BLMINIMUMHEINOOVED()) {  // too little to charge as self-employed
         st.BLHeino += st.BLAzmai;
@@ -103,7 +107,8 @@ void Calculation::SplitBL() {
     }
 }
 
-void Calculation::BandAzmai() {
+template <bool On>
+void Calculation<On>::BandAzmai() {
     const double U = MaxLong(R(c.BLMAXIMUM() - st.BLSachir), 0).value();  // room under the ceiling
     if (U > c.BLHACHNASAMUFHAT() && st.BLAzmai > c.BLGILUMAZMAI()) {
         st.BLAzmaiTTL = (st.BLAzmai + c.BLMEKADEMHIBURAZMAIRAGIL()) / c.BLMEKADEMGILUMAZMAIRAGIL();
@@ -119,7 +124,8 @@ void Calculation::BandAzmai() {
     }
 }
 
-void Calculation::BandHeino() {
+template <bool On>
+void Calculation<On>::BandHeino() {
     const double U = MaxLong(R(c.BLMAXIMUM() - st.BLSachir - st.BLAzmaiTTL), 0).value();
     if (U > c.BLHACHNASAMUFHAT() && st.BLHeino > c.BLGILUMHEINOOVED()) {
         st.BLHeinoTTL = (st.BLHeino + c.BLMEKADEMHIBURHEINORAGIL()) / c.BLMEKADEMGILUMHEINORAGIL();
@@ -134,5 +140,8 @@ void Calculation::BandHeino() {
         st.BLHeinoRagil = 0;
     }
 }
+
+template class Calculation<false>;
+template class Calculation<true>;
 
 }  // namespace zelmor::engine

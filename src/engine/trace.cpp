@@ -1,0 +1,381 @@
+#include "engine/trace.h"
+
+#include <algorithm>
+
+#include "core/amount.h"
+#include "engine/tracer.h"
+#include "results/sheet_rows.h"
+
+namespace zelmor {
+namespace trace {
+
+namespace {
+
+// Figures are shared by many others: each is worked out once.
+double evaluateOnce(const Trace& t, int i, std::vector<double>& memo, std::vector<char>& done) {
+    const auto at = static_cast<std::size_t>(i);
+    if (done[at]) return memo[at];
+    const Node& n = t.at(i);
+    const auto kids = t.kids(i);
+    const auto kid = [&](std::size_t k) { return evaluateOnce(t, kids[k], memo, done); };
+    double v = n.value;
+    switch (n.op) {
+        case Op::Line:
+        case Op::Constant:
+        case Op::Madad:
+        case Op::Today:
+        case Op::Untraced:
+        case Op::Decision: break;
+        case Op::Sum:
+            // Left to right, as the calculation adds.
+            v = kid(0);
+            for (std::size_t k = 1; k < kids.size(); ++k) v += kid(k);
+            break;
+        case Op::Difference: v = kid(0) - kid(1); break;
+        case Op::Product: v = kid(0) * kid(1); break;
+        case Op::Quotient: v = kid(0) / kid(1); break;
+        case Op::Min: v = std::min(kid(0), kid(1)); break;
+        case Op::Max: v = std::max(kid(0), kid(1)); break;
+        case Op::Round: v = R(kid(0)).value(); break;
+        case Op::Copy: v = kid(0); break;
+        case Op::Zero: v = 0; break;
+    }
+    memo[at] = v;
+    done[at] = 1;
+    return v;
+}
+
+}  // namespace
+
+double evaluate(const Trace& t, int node) {
+    std::vector<double> memo(t.nodes.size());
+    std::vector<char> done(t.nodes.size());
+    return evaluateOnce(t, node, memo, done);
+}
+
+std::vector<double> evaluateAll(const Trace& t) {
+    std::vector<double> memo(t.nodes.size());
+    std::vector<char> done(t.nodes.size());
+    for (std::size_t i = 0; i < t.nodes.size(); ++i) evaluateOnce(t, static_cast<int>(i), memo, done);
+    return memo;
+}
+
+const char* opWord(Op op) {
+    switch (op) {
+        case Op::Sum: return "+";
+        case Op::Difference: return "−";
+        case Op::Product: return "×";
+        case Op::Quotient: return "/";
+        case Op::Min: return "הקטן מבין";
+        case Op::Max: return "הגדול מבין";
+        case Op::Round: return "מעוגל";
+        case Op::Zero: return "הועבר";
+        default: return "";
+    }
+}
+
+const char* opKey(Op op) {
+    switch (op) {
+        case Op::Line: return "line";
+        case Op::Constant: return "constant";
+        case Op::Madad: return "madad";
+        case Op::Today: return "today";
+        case Op::Untraced: return "untraced";
+        case Op::Sum: return "sum";
+        case Op::Difference: return "difference";
+        case Op::Product: return "product";
+        case Op::Quotient: return "quotient";
+        case Op::Min: return "min";
+        case Op::Max: return "max";
+        case Op::Round: return "round";
+        case Op::Copy: return "copy";
+        case Op::Zero: return "zero";
+        case Op::Decision: return "decision";
+    }
+    return "";
+}
+
+}  // namespace trace
+
+namespace engine {
+
+thread_local Recorder* tlRecorder = nullptr;
+
+using trace::Node;
+using trace::Op;
+
+namespace {
+
+// What the report's fields and the sheets' cells are called, by their place in
+// their record: worked out once.
+struct Catalogue {
+    struct Line {
+        const FieldDef* field;
+        std::string name, source;
+    };
+    struct Cell {
+        std::string source, caption;
+    };
+    std::vector<Line> lines;
+    std::vector<Cell> cells;
+    std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
+    std::vector<const Cell*> cellAt;  // by a quarter of the byte offset in NishumOutput
+    std::unordered_map<std::string, std::string> captions;
+
+    Catalogue() {
+        static NishumInput in;
+        static NishumOutput out;
+        const auto at = [](const void* base, const void* p) {
+            return static_cast<const char*>(p) - static_cast<const char*>(base);
+        };
+        for (const FieldDef& f : allFields()) {
+            std::string name = *f.caption ? f.caption : f.name;
+            while (!name.empty() && (name.back() == ' ' || name.back() == ':')) name.pop_back();
+            if (*f.code) name += std::string(" (") + f.code + ")";
+            lines.push_back({&f, name, std::string(f.sectionName) + "." + f.name});
+        }
+        lineAt.assign(sizeof(NishumInput) / 2 + 1, nullptr);
+        for (const Line& l : lines) lineAt[static_cast<std::size_t>(at(&in, l.field->address(in))) / 2] = &l;
+        for (const SheetDef& s : allSheets())
+            for (const SheetRow& row : sheetRows(s.id))
+                for (const char* f : row.fields)
+                    if (f && *row.screenCaption) captions.emplace(std::string(s.name) + "." + f, row.screenCaption);
+        for (const SheetFieldDef& f : allSheetFields()) {
+            Cell c{std::string(f.sheetName) + "." + f.name, ""};
+            if (const auto cap = captions.find(c.source); cap != captions.end()) c.caption = cap->second;
+            cells.push_back(std::move(c));
+        }
+        cellAt.assign(sizeof(NishumOutput) / 4 + 1, nullptr);
+        const auto fields = allSheetFields();
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            cellAt[static_cast<std::size_t>(at(&out, fields[i].address(out))) / 4] = &cells[i];
+    }
+};
+
+const Catalogue& catalogue() {
+    static const Catalogue c;
+    return c;
+}
+
+}  // namespace
+
+Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size) : t_(t), calc_(static_cast<const char*>(calc)) {
+    catalogue();
+    t_.clear();
+    // One slot for every 4 bytes of the calculation, then one for every 2 of the report.
+    const std::size_t calcSlots = size / 4 + 1, reportSlots = sizeof(NishumInput) / 2 + 1;
+    t_.scratch.assign(calcSlots + reportSlots, -1);
+    calcSlots_ = std::span<int>(t_.scratch.data(), calcSlots);
+    reportSlots_ = std::span<int>(t_.scratch.data() + calcSlots, reportSlots);
+    t_.nodes.reserve(2048);
+    t_.kidPool.reserve(4096);
+    t_.cellNodes.assign(allSheetFields().size(), -1);
+}
+
+void Recorder::mapReport(const NishumInput& report, const sections::Yegia& y, const sections::Rechush& r,
+                         const sections::Nikuim& n, const sections::Zikuim& z) {
+    const auto base = [&](const void* section) { return static_cast<const char*>(section); };
+    report_ = base(&report);
+    reportRanges_ = {{report_, sizeof(NishumInput), 0},
+                     {base(&y), sizeof y, base(&report.Yegia) - report_},
+                     {base(&r), sizeof r, base(&report.Rechush) - report_},
+                     {base(&n), sizeof n, base(&report.Nikuim) - report_},
+                     {base(&z), sizeof z, base(&report.Zikuim) - report_}};
+}
+
+void Recorder::keep(const void* begin, const void* end) {
+    keepBegin_ = static_cast<const char*>(begin);
+    keepEnd_ = static_cast<const char*>(end);
+}
+
+int* Recorder::slot(const void* addr) {
+    const auto p = static_cast<const char*>(addr);
+    if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
+    if (p >= report_ && p < report_ + reportSlots_.size() * 2)
+        return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
+    return nullptr;
+}
+
+void Recorder::clear(const char* begin, const char* end) {
+    const auto index = [&](const char* p) {
+        return std::clamp<std::ptrdiff_t>((p - calc_ + 3) / 4, 0, static_cast<std::ptrdiff_t>(calcSlots_.size()));
+    };
+    if (begin >= calc_ && begin < calc_ + calcSlots_.size() * 4) {
+        std::fill(calcSlots_.begin() + index(begin), calcSlots_.begin() + index(end), -1);
+        return;
+    }
+    for (const char* p = begin; p < end; p += 2)  // in the report
+        if (int* s = slot(p)) *s = -1;
+}
+
+void Recorder::beginRun() {
+    ++run_;
+    t_.runs = run_;
+    // Every figure of the calculation starts again, except those kept.
+    clear(calc_, keepBegin_);
+    clear(keepEnd_, calc_ + calcSlots_.size() * 4);
+}
+
+void Recorder::forget(const void* begin, const void* end) {
+    clear(static_cast<const char*>(begin), static_cast<const char*>(end));
+}
+
+void Recorder::finish(NishumOutput& out) {
+    const auto fields = allSheetFields();
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (const int* s = slot(fields[i].address(out))) t_.cellNodes[i] = *s;
+}
+
+const void* Recorder::lineAt(const void* addr) const {
+    const auto p = static_cast<const char*>(addr);
+    for (const Range& r : reportRanges_)
+        if (p >= r.begin && p < r.begin + r.size) {
+            return catalogue().lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
+        }
+    return nullptr;
+}
+
+const void* Recorder::cellAt(const void* addr) const {
+    const auto p = static_cast<const char*>(addr);
+    if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
+    return catalogue().cellAt[static_cast<std::size_t>(p - out_) / 4];
+}
+
+int Recorder::add(const Node& n) {
+    t_.nodes.push_back(n);
+    t_.nodes.back().run = run_;
+    return static_cast<int>(t_.nodes.size()) - 1;
+}
+
+int Recorder::nodeOf(const void* addr, double value) {
+    int* s = slot(addr);
+    if (s && *s >= 0) return *s;
+    Node n;
+    n.value = value;
+    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
+        n.op = Op::Line;
+        n.caption = line->name;
+        n.source = line->source;
+        const Person who = line->field->person;
+        n.spouse = who == Person::M ? 'M' : who == Person::F ? 'F' : 0;
+    } else if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+        n.source = cell->source;
+    }
+    // A working figure or cell the run has not written holds the 0 it started from.
+    const int i = n.op == Op::Untraced && value == 0 ? constant("0", 0) : add(n);
+    if (s) *s = i;
+    return i;
+}
+
+int Recorder::constant(const char* name, double value) {
+    if (const auto it = constants_.find(name); it != constants_.end() && t_.at(it->second).value == value)
+        return it->second;
+    Node n;
+    n.op = Op::Constant;
+    n.value = value;
+    n.source = name;
+    const int i = add(n);
+    constants_[name] = i;
+    return i;
+}
+
+int Recorder::op(Op o, double value, int a, int b) {
+    Node n;
+    n.op = o;
+    n.value = value;
+    n.spouse = spouse;
+    n.first = static_cast<int>(t_.kidPool.size());
+    // A chain of sums reads as one sum: a + b + c, added left to right.
+    const Node& left = t_.at(a);
+    if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
+        for (int i = 0; i < left.count; ++i) t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
+    } else {
+        t_.kidPool.push_back(a);
+    }
+    if (b >= 0) t_.kidPool.push_back(b);
+    n.count = static_cast<int>(t_.kidPool.size()) - n.first;
+    return add(n);
+}
+
+int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
+    Node n;
+    n.op = Op::Decision;
+    n.value = value;
+    n.caption = title;
+    n.rule = rule;
+    n.first = static_cast<int>(t_.kidPool.size());
+    n.count = static_cast<int>(kids.size());
+    t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
+    return add(n);
+}
+
+int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
+    Node copy;
+    copy.op = Op::Copy;
+    copy.value = t_.at(node).value;
+    copy.caption = caption;
+    copy.rule = rule;
+    copy.source = source;
+    copy.spouse = spouse;
+    copy.first = static_cast<int>(t_.kidPool.size());
+    copy.count = 1;
+    t_.kidPool.push_back(node);
+    return add(copy);
+}
+
+int Recorder::name(int node, const char* rule) { return copyOf(node, {}, rule, {}); }
+
+int Recorder::datePart(const void* addr, const char* part, double value) {
+    Node n;
+    n.op = Op::Line;
+    n.value = value;
+    n.caption = part;
+    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) n.source = line->source;
+    n.spouse = spouse;
+    return add(n);
+}
+
+void Recorder::bind(const void* addr, int node, const char* rule) {
+    std::string_view caption, source;
+    if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+        source = cell->source;
+        caption = cell->caption;
+    }
+    int bound = node;
+    Node& n = t_.nodes[static_cast<std::size_t>(node)];
+    // A working figure taken over as it is is explained by what it holds; a
+    // step of a formula takes the figure's name; a figure already named is
+    // taken over by a new node.
+    if (!*rule && caption.empty() && source.empty()) {
+    } else if (!n.leaf() && !n.named() && n.run == run_) {
+        n.caption = caption;
+        n.rule = rule;
+        n.source = source;
+        n.spouse = spouse;
+    } else {
+        bound = copyOf(node, caption, rule, source);
+    }
+    if (int* s = slot(addr)) *s = bound;
+}
+
+}  // namespace engine
+
+namespace trace {
+
+int Trace::cell(std::string_view id) const {
+    const auto dot = id.find('.');
+    if (dot == std::string_view::npos) return -1;
+    const SheetFieldDef* f = findSheetField(id.substr(0, dot), id.substr(dot + 1));
+    if (!f || cellNodes.empty()) return -1;
+    return cellNodes[static_cast<std::size_t>(f - allSheetFields().data())];
+}
+
+std::string Trace::name(int i) const {
+    const Node& n = at(i);
+    if (n.caption.empty()) return std::string(n.rule);
+    if (n.rule.empty() || n.rule == n.caption) return std::string(n.caption);
+    return std::string(n.caption) + " — " + std::string(n.rule);
+}
+
+}  // namespace trace
+}  // namespace zelmor

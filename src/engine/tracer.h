@@ -1,0 +1,258 @@
+#pragma once
+// How the calculation records its explanation while it computes. The rules
+// compute with traced values (TA: an amount, TD: a double) that carry, beside
+// the value, the node that explains it; the arithmetic on them is the
+// calculation's own arithmetic. Without a sink every node is -1, nothing is
+// recorded, and what is left is the bare arithmetic and one test per step.
+
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "core/amount.h"
+#include "core/tax_year.h"
+#include "engine/trace.h"
+#include "report/nishum_input.h"
+#include "results/nishum_output.h"
+
+namespace zelmor::engine {
+
+struct TA {
+    Amount v;
+    int n = -1;
+};
+struct TD {
+    double v;
+    int n = -1;
+};
+
+class Recorder {
+public:
+    // `calc` is the calculation's own record (working figures, sheets, the
+    // run's copies of sections), `size` its size.
+    Recorder(trace::Trace& t, const void* calc, std::size_t size);
+
+    // Where the report's fields and the sheets' cells lie, so that a figure
+    // read from them is named.
+    void mapReport(const NishumInput& report, const sections::Yegia& y, const sections::Rechush& r,
+                   const sections::Nikuim& n, const sections::Zikuim& z);
+    void mapSheets(NishumOutput& out) { out_ = static_cast<const char*>(static_cast<const void*>(&out)); }
+    // Figures in [begin, end) outlive the runs.
+    void keep(const void* begin, const void* end);
+
+    void beginRun();
+    void forget(const void* begin, const void* end);  // the figures there were reset from the report
+    void finish(NishumOutput& out);                   // the cells of the run that stands
+
+    int nodeOf(const void* addr, double value);
+    int constant(const char* name, double value);
+    int op(trace::Op op, double value, int a, int b = -1);
+    int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
+    void bind(const void* addr, int node, const char* rule);
+    int name(int node, const char* rule);
+    int datePart(const void* addr, const char* part, double value);
+    void decided(int node) { t_.filing = node; }
+
+    char spouse = 0;
+
+private:
+    int add(const trace::Node& n);
+    int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
+    int* slot(const void* addr);  // the node a figure of the calculation or report holds, or null
+    const void* lineAt(const void* addr) const;  // the report line there, or null
+    const void* cellAt(const void* addr) const;  // the sheet cell there, or null
+    void clear(const char* begin, const char* end);
+
+    trace::Trace& t_;
+    int run_ = 0;
+    // The node each figure holds, by its place: 4 bytes a figure in the
+    // calculation, 2 in the report (whose counts are 16 bits).
+    const char* calc_;
+    std::span<int> calcSlots_;
+    const char* report_ = nullptr;
+    std::span<int> reportSlots_;
+    const char* keepBegin_ = nullptr;
+    const char* keepEnd_ = nullptr;
+    // The report and the run's copies of its sections: where each lies and
+    // where its first byte lies within a report.
+    struct Range {
+        const char* begin;
+        std::size_t size;
+        std::ptrdiff_t offset;
+    };
+    std::vector<Range> reportRanges_;
+    const char* out_ = nullptr;
+    std::unordered_map<const char*, int> constants_;
+};
+
+// The recorder of the calculation running on this thread, or null.
+extern thread_local Recorder* tlRecorder;
+
+inline bool traced(int a, int b) { return (a | b) >= 0; }
+
+inline TA operator+(TA a, TA b) {
+    TA r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v.value(), a.n, b.n);
+    return r;
+}
+inline TA operator-(TA a, TA b) {
+    TA r{a.v - b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Difference, r.v.value(), a.n, b.n);
+    return r;
+}
+inline TD operator+(TD a, TD b) {
+    TD r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v, a.n, b.n);
+    return r;
+}
+inline TD operator-(TD a, TD b) {
+    TD r{a.v - b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Difference, r.v, a.n, b.n);
+    return r;
+}
+inline TD operator*(TD a, TD b) {
+    TD r{a.v * b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Product, r.v, a.n, b.n);
+    return r;
+}
+inline TD operator/(TD a, TD b) {
+    TD r{a.v / b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Quotient, r.v, a.n, b.n);
+    return r;
+}
+// An amount in double arithmetic keeps its node.
+inline TD toD(TA a) { return {static_cast<double>(a.v.value()), a.n}; }
+inline TD operator+(TA a, TD b) { return toD(a) + b; }
+inline TD operator+(TD a, TA b) { return a + toD(b); }
+inline TD operator-(TA a, TD b) { return toD(a) - b; }
+inline TD operator-(TD a, TA b) { return a - toD(b); }
+inline TD operator*(TA a, TD b) { return toD(a) * b; }
+inline TD operator*(TD a, TA b) { return a * toD(b); }
+inline TD operator/(TA a, TD b) { return toD(a) / b; }
+inline TD operator/(TD a, TA b) { return a / toD(b); }
+
+// The plain forms stay in reach beside the traced ones.
+using zelmor::MaxLong;
+using zelmor::MinLong;
+using zelmor::R;
+
+inline TA R(TD x) {
+    TA r{zelmor::R(x.v)};
+    if (x.n >= 0) r.n = tlRecorder->op(trace::Op::Round, r.v.value(), x.n);
+    return r;
+}
+inline TA MinLong(TA a, TA b) {
+    TA r{zelmor::MinLong(a.v, b.v)};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Min, r.v.value(), a.n, b.n);
+    return r;
+}
+inline TA MaxLong(TA a, TA b) {
+    TA r{zelmor::MaxLong(a.v, b.v)};
+    if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Max, r.v.value(), a.n, b.n);
+    return r;
+}
+
+// The value of a figure, traced or not.
+inline Amount val(TA a) { return a.v; }
+inline double val(TD d) { return d.v; }
+inline Amount val(Amount a) { return a; }
+inline double val(double d) { return d; }
+inline double toD(Amount a) { return a.value(); }
+// The node that explains a figure; -1 when nothing is recorded.
+inline int idOf(TA a) { return a.n; }
+inline int idOf(Amount) { return -1; }
+
+template <bool On>
+class Tracer;
+
+// The calculation's handle on the recorder: reads figures into traced values
+// and writes traced values into figures under the name of their rule.
+template <>
+class Tracer<true> {
+public:
+    using A = TA;
+    using D = TD;
+    Recorder* rec = nullptr;
+
+    TA operator()(const Amount& a) const { return {a, rec ? rec->nodeOf(&a, a.value()) : -1}; }
+    TD operator()(const double& d) const { return {d, rec ? rec->nodeOf(&d, d) : -1}; }
+    // A whole-number field (a count, a rate in percents, months).
+    template <class I>
+    TD num(const I& i) const {
+        return {static_cast<double>(i), rec ? rec->nodeOf(&i, static_cast<double>(i)) : -1};
+    }
+    TA k(const char* name, Amount v) const { return {v, rec ? rec->constant(name, v.value()) : -1}; }
+    TD k(const char* name, double v) const { return {v, rec ? rec->constant(name, v) : -1}; }
+    TA k(const char* name, int v) const { return k(name, Amount(v)); }  // whole percents, years
+    TA operator()(const std::int32_t& i) const { return {Amount(i), rec ? rec->nodeOf(&i, i) : -1}; }
+    // A rate in whole percents as a share.
+    TD percent(TA rate) const { return toD(rate) / k("100", 100.0); }
+    TA zero() const { return k("0", Amount(0)); }
+    TA floor0(TA v) const { return MaxLong(v, zero()); }  // below 0 it is 0
+
+    void set(Amount& dst, const char* name, TA x) const {
+        dst = x.v;
+        if (x.n >= 0) rec->bind(&dst, x.n, name);
+    }
+    void set(double& dst, const char* name, TD x) const {
+        dst = x.v;
+        if (x.n >= 0) rec->bind(&dst, x.n, name);
+    }
+    // A part of a date of the report (its year, its month) as a figure.
+    TD datePart(const Date& d, const char* part, int value) const {
+        return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
+    }
+    // A figure of a rule that is kept nowhere, under its name.
+    TD name(const char* name, TD x) const {
+        if (x.n >= 0) x.n = rec->name(x.n, name);
+        return x;
+    }
+    TA name(const char* name, TA x) const {
+        if (x.n >= 0) x.n = rec->name(x.n, name);
+        return x;
+    }
+    // The figure is moved elsewhere and becomes 0.
+    void moved(Amount& dst, const char* name) const {
+        const int from = rec ? rec->nodeOf(&dst, dst.value()) : -1;
+        dst = 0;
+        if (rec) rec->bind(&dst, rec->op(trace::Op::Zero, 0, from), name);
+    }
+    // The figure of a person (M, F) or of neither (0) is computed next.
+    void who(char s) const {
+        if (rec) rec->spouse = s;
+    }
+};
+
+// Without a sink: the figures are the plain ones, nothing is recorded.
+template <>
+class Tracer<false> {
+public:
+    using A = Amount;
+    using D = double;
+    static constexpr Recorder* rec = nullptr;
+
+    const Amount& operator()(const Amount& a) const { return a; }
+    double operator()(const double& d) const { return d; }
+    Amount operator()(const std::int32_t& i) const { return Amount(i); }
+    template <class I>
+    double num(const I& i) const { return static_cast<double>(i); }
+    Amount k(const char*, Amount v) const { return v; }
+    double k(const char*, double v) const { return v; }
+    Amount k(const char*, int v) const { return Amount(v); }
+    double percent(Amount rate) const { return Percent(rate.value()); }
+    Amount zero() const { return 0; }
+    Amount floor0(Amount v) const { return MaxLong(v, 0); }
+    void set(Amount& dst, const char*, Amount x) const { dst = x; }
+    void set(double& dst, const char*, double x) const { dst = x; }
+    double datePart(const Date&, const char*, int value) const { return value; }
+    Amount name(const char*, Amount x) const { return x; }
+    double name(const char*, double x) const { return x; }
+    void moved(Amount& dst, const char*) const { dst = 0; }
+    void who(char) const {}
+};
+
+// A constant of the year by its name.
+#define K(name) t.k(#name, c.name())
+
+}  // namespace zelmor::engine

@@ -1,0 +1,92 @@
+// zelmor-cli explain: the derivation of one cell, as text and as data.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/cli_runner.h"
+
+namespace zelmor::test {
+namespace {
+
+using nlohmann::json;
+
+class ExplainCommand : public testing::Test {
+protected:
+    void SetUp() override { dir_ = freshTempDir("cli-explain"); }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+    CliRun explain(std::vector<std::string> args) const {
+        args.insert(args.begin(), {"explain", std::string(ZELMOR_SOURCE_DIR) + "/tests/golden/reports/couple.json"});
+        args.insert(args.end(), {"--today", "2016-06-30", "--data-dir", dir_ + "/data"});
+        return runCli(args);
+    }
+    std::string dir_;
+};
+
+TEST_F(ExplainCommand, TaxDueReadsAsAFormulaDownToTheReportLines) {
+    const CliRun r = explain({"CMain.MasMagiaM"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto text = lines(r.out);
+    ASSERT_GE(text.size(), 3u);
+    EXPECT_EQ(text[0], "חישוב נפרד");
+    // The cell's own line: names, numbers with thousands separators, the value.
+    EXPECT_EQ(text[1].rfind("מס מגיע (הנישום) = מס לפני זיכויים − זיכויים ממס = ", 0), 0u) << text[1];
+    EXPECT_NE(text[1].find(","), std::string::npos);
+    EXPECT_EQ(text[2].rfind("  מס לפני זיכויים", 0), 0u) << text[2];
+    // Without a depth the tree goes down to the salary line of the report.
+    EXPECT_NE(r.out.find("[Yegia.N158]"), std::string::npos);
+
+    const CliRun shallow = explain({"CMain.MasMagiaM", "--depth", "1"});
+    ASSERT_EQ(shallow.status, 0);
+    EXPECT_EQ(lines(shallow.out).size(), 2u);
+}
+
+TEST_F(ExplainCommand, JsonTreeCarriesEveryValueAndAddsUp) {
+    const CliRun r = explain({"CMain.HachnasaNetM", "--json"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const json doc = json::parse(r.out);
+    EXPECT_EQ(doc["cell"], "CMain.HachnasaNetM");
+    const json& root = doc["tree"];
+    EXPECT_EQ(root["op"], "difference");
+    ASSERT_EQ(root["children"].size(), 2u);
+    EXPECT_EQ(root["value"].get<double>(),
+              root["children"][0]["value"].get<double>() - root["children"][1]["value"].get<double>());
+    // Every node has a value; leaves name where they come from.
+    std::function<void(const json&)> walk = [&](const json& n) {
+        ASSERT_TRUE(n.contains("value"));
+        if (!n.contains("children") && !n.contains("seenAbove") && n["op"] != "zero") {
+            ASSERT_TRUE(n.contains("source")) << n.dump();
+        }
+        if (n.contains("children"))
+            for (const json& k : n["children"]) walk(k);
+    };
+    walk(root);
+    // The filing mode comes with the figures it was decided on.
+    EXPECT_EQ(doc["filing"]["op"], "decision");
+    EXPECT_FALSE(doc["filing"]["children"].empty());
+}
+
+TEST_F(ExplainCommand, UnknownCellsAndDepthsAreRefused) {
+    struct Case {
+        std::vector<std::string> args;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{"CMain.MasMagia"}, "sheet CMain has no field 'MasMagia'; did you mean 'CMain.MasMagia"},
+        {{"CMian.MasMagiaM"}, "unknown sheet 'CMian'; did you mean 'CMain'?"},
+        {{"CMain.MasMagiaM", "--depth", "0"}, "--depth takes a whole number"},
+        {{"CMain.MasMagiaM", "--depth", "2x"}, "--depth takes a whole number"},
+    };
+    for (const Case& c : cases) {
+        const CliRun r = explain(c.args);
+        EXPECT_EQ(r.status, 2) << c.args[0];
+        EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
+        EXPECT_TRUE(r.out.empty());
+    }
+}
+
+}  // namespace
+}  // namespace zelmor::test
