@@ -3,6 +3,8 @@
 // The options mean what they mean to zelmor-cli.
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <cstdio>
 
 #include "cli/cli_common.h"
@@ -13,6 +15,10 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);  // takes Qt's own options out of argv
     QApplication::setApplicationName(QStringLiteral("Zelmor"));
     QApplication::setLayoutDirection(Qt::RightToLeft);
+    // Qt's own words (the buttons of the message boxes: כן, לא, ביטול) in Hebrew.
+    QTranslator qtWords;
+    if (qtWords.load(QStringLiteral("qtbase_he"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qtWords);
 
     zelmor::shell::AppOptions options;
     try {
