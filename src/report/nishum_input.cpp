@@ -1,6 +1,10 @@
 #include "report/nishum_input.h"
 
 #include <array>
+#include <stdexcept>
+#include <vector>
+
+#include "report/entry_layout.h"
 
 namespace zelmor {
 namespace {
@@ -18,10 +22,12 @@ const SectionDef kSections[] = {
 };
 
 #define ZELMOR_FIELD_DEF(sec, nm, type, maxlen, table, nullable, tab, check, control, code, person, group, caption, \
-                         caption2)                                                                                 \
+                         caption2, display, list, prefix, female)                                                  \
     FieldDef{SectionId::sec, #sec, #nm, FieldType::type, maxlen, StoredTable::table, nullable, tab,                \
              LeaveCheck::check, Control::control, code, Person::person, group, caption, caption2,                  \
-             [](NishumInput& n) -> void* { return &n.sec.nm; }},
+             Display::display, ListId::list, prefix, female,                                                       \
+             [](NishumInput& n) -> void* { return &n.sec.nm; },                                                    \
+             [](void* s) -> void* { return &static_cast<sections::sec*>(s)->nm; }},
 
 const FieldDef kFields[] = {
     ZELMOR_FIELDS_Pratim(ZELMOR_FIELD_DEF) ZELMOR_FIELDS_Yegia(ZELMOR_FIELD_DEF)
@@ -49,47 +55,60 @@ const std::array<SectionRange, 10>& ranges() {
     return r;
 }
 
-Amount sum(std::initializer_list<Amount> parts) {
-    Amount s = 0;
-    for (Amount a : parts) s += a;
-    return s;
-}
-
-using T = sections::Tashlumim;
-Amount payM(const T& t) {
-    return sum({t.N042M, t.N040M, t.N043M, t.N041M, t.OdfotM, t.MikdamotM, t.TashlumimM});
-}
-Amount payF(const T& t) {
-    return sum({t.N042F, t.N040F, t.N043F, t.N041F, t.OdfotF, t.MikdamotF, t.TashlumimF});
-}
-
-#define ZELMOR_PAIR_RULE(total, m, f) \
-    {SectionId::Tashlumim, #total, [](const NishumInput& n) -> std::int64_t { return (n.Tashlumim.m + n.Tashlumim.f).value(); }}
-
-const DerivedRule kDerived[] = {
-    {SectionId::Yegia, "TTLM", [](const NishumInput& n) -> std::int64_t { return SumTTLM(n.Yegia).value(); }},
-    {SectionId::Yegia, "TTLF", [](const NishumInput& n) -> std::int64_t { return SumTTLF(n.Yegia).value(); }},
-    {SectionId::Pturot, "N209", [](const NishumInput& n) -> std::int64_t { return SumN209(n.Pturot).value(); }},
-    {SectionId::Nekudot, "N260", [](const NishumInput& n) -> std::int64_t { return SumN260(n.Nekudot); }},
-    ZELMOR_PAIR_RULE(N294, N294M, N294F),
-    ZELMOR_PAIR_RULE(N042, N042M, N042F),
-    ZELMOR_PAIR_RULE(N040, N040M, N040F),
-    ZELMOR_PAIR_RULE(N043, N043M, N043F),
-    ZELMOR_PAIR_RULE(N041, N041M, N041F),
-    ZELMOR_PAIR_RULE(Odfot, OdfotM, OdfotF),
-    ZELMOR_PAIR_RULE(Mikdamot, MikdamotM, MikdamotF),
-    ZELMOR_PAIR_RULE(Tashlumim, TashlumimM, TashlumimF),
-    {SectionId::Tashlumim, "TashTTLM", [](const NishumInput& n) -> std::int64_t { return payM(n.Tashlumim).value(); }},
-    {SectionId::Tashlumim, "TashTTLF", [](const NishumInput& n) -> std::int64_t { return payF(n.Tashlumim).value(); }},
-    {SectionId::Tashlumim, "TashTTL",
-     [](const NishumInput& n) -> std::int64_t {  // the fourteen fields in order, M's row then F's
-         const T& t = n.Tashlumim;
-         return sum({t.N042M, t.N040M, t.N043M, t.N041M, t.OdfotM, t.MikdamotM, t.TashlumimM, t.N042F, t.N040F,
-                     t.N043F, t.N041F, t.OdfotF, t.MikdamotF, t.TashlumimF})
-             .value();
-     }},
+// A shown total and its parts, resolved in the catalogue once.
+struct ResolvedTotal {
+    const FieldDef* total = nullptr;
+    std::vector<const FieldDef*> parts;
 };
-#undef ZELMOR_PAIR_RULE
+
+const std::vector<ResolvedTotal>& resolvedTotals() {
+    static const std::vector<ResolvedTotal> r = [] {
+        std::vector<ResolvedTotal> out;
+        for (const DerivedTotal& t : derivedTotals()) {
+            const char* sec = sectionDef(t.section).name;
+            ResolvedTotal rt{findField(sec, t.total), {}};
+            for (const char* part : t.parts) rt.parts.push_back(findField(sec, part));
+            out.push_back(std::move(rt));
+        }
+        return out;
+    }();
+    return r;
+}
+
+const ResolvedTotal& resolvedTotal(SectionId section, std::string_view name) {
+    for (const ResolvedTotal& t : resolvedTotals())
+        if (t.total->section == section && name == t.total->name) return t;
+    throw std::logic_error("no such total");
+}
+
+// The sum of a total's parts in the section record `sec` (checked: raises
+// OverflowError when it leaves the range of the total's type).
+std::int32_t sumParts(const ResolvedTotal& t, const void* sec) {
+    void* s = const_cast<void*>(sec);
+    if (t.total->type == FieldType::Count) {
+        std::int16_t sum = 0;
+        for (const FieldDef* f : t.parts) sum = addCount(sum, *static_cast<const std::int16_t*>(f->inSection(s)));
+        return sum;
+    }
+    Amount sum = 0;
+    for (const FieldDef* f : t.parts) sum += *static_cast<const Amount*>(f->inSection(s));
+    return sum.value();
+}
+
+void* sectionRecord(NishumInput& n, SectionId id) {
+    switch (id) {
+        case SectionId::Pratim: return &n.Pratim;
+        case SectionId::Yegia: return &n.Yegia;
+        case SectionId::Rechush: return &n.Rechush;
+        case SectionId::Pturot: return &n.Pturot;
+        case SectionId::Nikuim: return &n.Nikuim;
+        case SectionId::Nekudot: return &n.Nekudot;
+        case SectionId::Zikuim: return &n.Zikuim;
+        case SectionId::Tashlumim: return &n.Tashlumim;
+        case SectionId::Klaliim: return &n.Klaliim;
+    }
+    throw std::out_of_range("no such section");
+}
 
 }  // namespace
 
@@ -116,31 +135,55 @@ const FieldDef* findField(std::string_view section, std::string_view name) {
     return nullptr;
 }
 
-Amount SumTTLM(const sections::Yegia& y) {
-    return sum({y.N150, y.N250, y.N158, y.N068, y.N258, y.N358, y.N120, y.YegiaM});
-}
-Amount SumTTLF(const sections::Yegia& y) {
-    return sum({y.N170, y.N270, y.N172, y.N069, y.N272, y.N372, y.N220, y.YegiaF});
-}
-Amount SumN209(const sections::Pturot& p) { return sum({p.N109, p.N309, p.Kizva, p.Dira, p.Acherot}); }
-std::int16_t SumN260(const sections::Nekudot& k) {
-    std::int16_t s = 0;
-    for (std::int16_t c : {k.N260_1, k.N260_2, k.N260_3, k.N260_4, k.N260_5, k.N260_6}) s = addCount(s, c);
-    return s;
+const char* displayFormat(Display d) {
+    switch (d) {
+        case Display::Amount: return "#,##0";
+        case Display::Date: return "dd/mm/yyyy";
+        case Display::None:
+        case Display::Plain: break;
+    }
+    return "";
 }
 
-std::span<const DerivedRule> derivedRules() { return kDerived; }
+const char* inputMask(Display d) { return d == Display::Date ? "##/##/####" : ""; }
+
+Amount SumTTLM(const sections::Yegia& y) {
+    static const ResolvedTotal& t = resolvedTotal(SectionId::Yegia, "TTLM");
+    return sumParts(t, &y);
+}
+Amount SumTTLF(const sections::Yegia& y) {
+    static const ResolvedTotal& t = resolvedTotal(SectionId::Yegia, "TTLF");
+    return sumParts(t, &y);
+}
+Amount SumN209(const sections::Pturot& p) {
+    static const ResolvedTotal& t = resolvedTotal(SectionId::Pturot, "N209");
+    return sumParts(t, &p);
+}
+std::int16_t SumN260(const sections::Nekudot& k) {
+    static const ResolvedTotal& t = resolvedTotal(SectionId::Nekudot, "N260");
+    return static_cast<std::int16_t>(sumParts(t, &k));
+}
+
+std::int32_t sumOfParts(const DerivedTotal& total, const NishumInput& report) {
+    const auto all = derivedTotals();
+    const auto k = static_cast<std::size_t>(&total - all.data());
+    if (k >= all.size()) throw std::logic_error("not a shown total");
+    const ResolvedTotal& t = resolvedTotals()[k];
+    return sumParts(t, sectionRecord(const_cast<NishumInput&>(report), t.total->section));
+}
 
 void WorkOutDerived(NishumInput& n) {
     // Work everything out first, so that an overflow leaves the report untouched.
-    std::int64_t values[std::size(kDerived)];
-    for (std::size_t i = 0; i < std::size(kDerived); ++i) values[i] = kDerived[i].compute(n);
-    for (std::size_t i = 0; i < std::size(kDerived); ++i) {
-        const FieldDef* f = findField(sectionDef(kDerived[i].section).name, kDerived[i].name);
+    const auto& totals = resolvedTotals();
+    std::vector<std::int32_t> values;
+    values.reserve(totals.size());
+    for (const ResolvedTotal& t : totals) values.push_back(sumParts(t, sectionRecord(n, t.total->section)));
+    for (std::size_t i = 0; i < totals.size(); ++i) {
+        const FieldDef* f = totals[i].total;
         if (f->type == FieldType::Count)
             f->ref<std::int16_t>(n) = static_cast<std::int16_t>(values[i]);
         else
-            f->ref<Amount>(n) = Amount(static_cast<std::int32_t>(values[i]));
+            f->ref<Amount>(n) = Amount(values[i]);
     }
 }
 

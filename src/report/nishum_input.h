@@ -18,6 +18,15 @@ enum class StoredTable { Details, Details1, NoTable };  // tblDetails, tblDetail
 enum class LeaveCheck { None, Amount, Whole, Date, Ceiling, InsuredIncome, Derived };
 enum class Control { Edit, Option, CheckBox, List, Total };
 enum class Person { None, M, F, Both, Total };
+// How an entry field shows its value: None (texts, options, check boxes, lists),
+// Amount "#,##0" (counts too), Date "dd/mm/yyyy" under the mask "##/##/####",
+// Plain (a number without format).
+enum class Display { None, Amount, Date, Plain };
+// The list a drop-down field draws from (texts in entry_layout.h).
+enum class ListId { None, Degree, Settlement, Rate, Months };
+
+const char* displayFormat(Display d);  // "#,##0", "dd/mm/yyyy" or ""
+const char* inputMask(Display d);      // "##/##/####" or ""
 
 // Page order of the sections.
 enum class SectionId { Pratim = 1, Yegia, Rechush, Pturot, Nikuim, Nekudot, Zikuim, Tashlumim, Klaliim };
@@ -81,10 +90,15 @@ struct FieldDef {
     Control control;
     const char* code;  // the form's line code ("150"), or ""
     Person person;
-    const char* group;     // option group, or the label of the row the field stands in
+    const char* group;     // id of the option group ("frameFamily"), or "" (not an option)
     const char* caption;   // caption on the screen
     const char* caption2;  // a second caption beside the field, or ""
+    Display display;
+    ListId list;
+    const char* prefix;         // fixed text shown in front of the field ("9"), or ""
+    const char* femaleCaption;  // the caption when M is a woman, or "" (no other wording)
     void* (*address)(NishumInput&);
+    void* (*inSection)(void* section);  // the member within its own section record
 
     template <class T>
     T& ref(NishumInput& n) const { return *static_cast<T*>(address(n)); }
@@ -107,16 +121,9 @@ Amount SumTTLF(const sections::Yegia& y);
 Amount SumN209(const sections::Pturot& p);
 std::int16_t SumN260(const sections::Nekudot& n);
 
-// One derived member and the rule that works it out.
-struct DerivedRule {
-    SectionId section;
-    const char* name;
-    std::int64_t (*compute)(const NishumInput&);  // raises OverflowError when the sum leaves its range
-};
-std::span<const DerivedRule> derivedRules();
-
-// Works out every derived member from its parts (raises OverflowError when a
-// sum leaves its range; the report is then left as it was).
+// Works out every derived member from its parts, as derivedTotals()
+// (entry_layout.h) lists them (raises OverflowError when a sum leaves its
+// range; the report is then left as it was).
 void WorkOutDerived(NishumInput& n);
 
 }  // namespace zelmor

@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/values.h"
+#include "report/entry_layout.h"
 #include "engine/const_doch.h"
 
 namespace zelmor {
@@ -180,30 +181,19 @@ const std::array<SectionIndex, kSectionSlots>& sectionIndex() {
 // --- Derived members --------------------------------------------------------
 
 struct DerivedInfo {
-    const DerivedRule* rule;
+    const DerivedTotal* total;
     const FieldDef* field;
     std::string parts;  // "N042M + N042F", for messages
 };
 
-// The parts of each derived member are read off its rule: a part is a field
-// whose value of 1 in an otherwise new report moves the sum.
 const std::vector<DerivedInfo>& derivedInfo() {
     static const std::vector<DerivedInfo> info = [] {
         std::vector<DerivedInfo> out;
-        for (const DerivedRule& rule : derivedRules()) {
-            DerivedInfo d{&rule, sectionIndex()[slot(rule.section)].byName.at(rule.name), {}};
-            for (const FieldDef& f : allFields()) {
-                if (f.derived() || (f.type != FieldType::Amount && f.type != FieldType::Count)) continue;
-                NishumInput probe;
-                if (f.type == FieldType::Amount)
-                    f.ref<Amount>(probe) = 1;
-                else
-                    f.ref<std::int16_t>(probe) = 1;
-                if (rule.compute(probe) != 0) {
-                    if (!d.parts.empty()) d.parts += " + ";
-                    if (f.section != rule.section) d.parts += std::string(f.sectionName) + ".";
-                    d.parts += f.name;
-                }
+        for (const DerivedTotal& t : derivedTotals()) {
+            DerivedInfo d{&t, sectionIndex()[slot(t.section)].byName.at(t.total), {}};
+            for (const char* part : t.parts) {
+                if (!d.parts.empty()) d.parts += " + ";
+                d.parts += part;
             }
             out.push_back(std::move(d));
         }
@@ -550,7 +540,7 @@ private:
         for (std::size_t k = 0; k < info.size(); ++k) {
             const FieldDef& f = *info[k].field;
             try {
-                values[k] = info[k].rule->compute(report_);
+                values[k] = sumOfParts(*info[k].total, report_);
             } catch (const OverflowError&) {
                 refuse(f, "the sum " + info[k].parts + " is outside the range of " + rangeName(f.type));
             }

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "report/entry_layout.h"
 #include "report/nishum_input.h"
 
 namespace zelmor {
@@ -83,7 +84,7 @@ TEST(Catalogue, ShownTotalsAreWorkedOutFromTheirParts) {
     for (const FieldDef& f : allFields())
         if (f.derived()) derived.insert(std::string(f.sectionName) + "." + f.name);
     std::set<std::string> ruled;
-    for (const DerivedRule& r : derivedRules()) ruled.insert(std::string(sectionDef(r.section).name) + "." + r.name);
+    for (const DerivedTotal& t : derivedTotals()) ruled.insert(std::string(sectionDef(t.section).name) + "." + t.total);
     EXPECT_EQ(derived, ruled);
     EXPECT_EQ(derived.size(), 15u);
 
