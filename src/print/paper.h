@@ -6,8 +6,12 @@
 #include "print/cls_print.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"
+#include "results/sheet_layout.h"
 
 namespace zelmor {
+
+// The year's figures the sheets show (the worth of a point, the rates).
+SheetParams sheetParams(const ConstDoch& c);
 
 // Prints one result sheet at the running line. A sheet with nothing to show
 // takes back the three lines of the gap above it (NextLine(-3)) and prints

@@ -1,6 +1,7 @@
 // The result sheets on paper: every sheet reads its rows from the sheet's row
-// table (captions, fields in column order, the show test), the same table its
-// screen reads, and lays them out in its own columns.
+// table (captions, fields in column order, the show test) and its title and
+// column heads from the sheet's layout, the same data its screen reads, and
+// lays the rows out in its own columns.
 
 #include <QString>
 #include <initializer_list>
@@ -13,9 +14,6 @@
 namespace zelmor {
 namespace {
 
-const QString kHeadM = QStringLiteral("\"בן הזוג הרשום\"");
-const QString kHeadF = QStringLiteral("בן/בת הזוג");
-
 QString amountText(double v, int decimals = 0) { return QString::fromStdString(FormatAmount(v, decimals)); }
 
 struct Span {
@@ -25,72 +23,82 @@ struct Span {
 class SheetPrinter {
 public:
     SheetPrinter(ClsPrint& p, SheetId sheet, const NishumOutput& out, const ConstDoch& c)
-        : p_(p), sheet_(sheet), out_(out), c_(c) {}
+        : p_(p), sheet_(sheet), out_(out), c_(c), params_(sheetParams(c)), layout_(sheetLayout(sheet)) {}
 
     double value(const char* field) const { return field ? sheetValue(out_, sheet_, field) : 0; }
     QString amount(const char* field, int decimals = 0) const { return amountText(value(field), decimals); }
     bool shown(const SheetRow& row) const { return rowShown(out_, sheet_, row, c_.YEARDOCH()); }
     const SheetRow& row(const char* key) const { return *findSheetRow(sheet_, key); }
 
+    QString caption(const SheetRow& r) const {
+        return QString::fromStdString(rowCaption(out_, sheet_, r, Medium::Paper, params_));
+    }
+
     // The common head of a sheet: the title two points larger, a heavy rule.
-    void title(const QString& text) {
+    void title() {
         p_.SetFontSize(p_.FontSize() + 2);
-        p_.PrintString(5, text, true);
+        p_.PrintString(5, QString::fromStdString(paperTitle(sheet_, params_)), true);
         p_.SetFontSize(p_.FontSize() - 2);
         p_.NextLine(1);
         p_.PrintLine(5, p_.LinePos, 90, p_.LinePos, 3);
         p_.NextLine(0.5);
     }
-    // Column heads, bold, underlined or not, then the next line.
-    void heads(std::initializer_list<std::pair<double, QString>> cells, bool underline) {
-        if (underline) p_.SetFontUnderline(true);
-        for (const auto& [col, text] : cells) p_.PrintString(col, text, true);
-        if (underline) p_.SetFontUnderline(false);
-        p_.NextLine(1);
+    // The column heads of a block, bold, underlined or not, a line for each
+    // line of heads.
+    void heads(int block = 0) {
+        const auto all = layout_.blocks[static_cast<std::size_t>(block)].heads;
+        for (int line = 0;; ++line) {
+            bool any = false;
+            for (const SheetHead& h : all) {
+                if (h.line != line || h.paperColumn == 0) continue;
+                any = true;
+                p_.SetFontUnderline(h.paperUnderline);
+                p_.PrintString(h.paperColumn, QString::fromUtf8(h.text), true);
+                p_.SetFontUnderline(false);
+            }
+            if (!any) break;
+            p_.NextLine(1);
+        }
     }
     void rules(std::initializer_list<Span> spans, int width) {
         for (const Span& s : spans) p_.PrintLine(s.from, p_.LinePos, s.to, p_.LinePos, width);
     }
     // The row's caption at its column and its fields at the given columns, by slot.
     void cells(const SheetRow& r, std::initializer_list<double> cols, bool withCaption = true) {
-        if (withCaption && *r.paperCaption) p_.PrintString(r.paperColumn, QString::fromUtf8(r.paperCaption), r.paperBold);
+        if (withCaption && *r.paperCaption) p_.PrintString(r.paperColumn, caption(r), r.paperBold);
         int slot = 0;
         for (double col : cols) {
-            const char* f = r.fields[slot++];
-            if (f && col > 0) p_.PrintString(col, amount(f), r.paperBold);
+            if (r.fields[static_cast<std::size_t>(slot)] && col > 0)
+                p_.PrintString(col, QString::fromStdString(cellText(out_, sheet_, r, slot)), r.paperBold);
+            ++slot;
         }
     }
     // Every shown detail row of a block, each on its own line.
     template <class Fn>
     void details(int block, Fn&& printRow) {
-        for (const SheetRow& r : sheetRows(sheet_))
-            if (r.block == block && !r.total && shown(r)) {
-                printRow(r);
-                p_.NextLine(1);
-            }
+        for (const SheetRow* r : shownRows(out_, sheet_, params_, block, true)) {
+            printRow(*r);
+            p_.NextLine(1);
+        }
     }
 
     ClsPrint& p_;
     SheetId sheet_;
     const NishumOutput& out_;
     const ConstDoch& c_;
+    SheetParams params_;
+    const SheetLayout& layout_;
 };
 
 void printMain(SheetPrinter& s) {
     ClsPrint& p = s.p_;
-    s.title(QStringLiteral("חישוב המס המגיע לשנת ") + QString::number(s.c_.YEARDOCH()));
-    s.heads({{38, QStringLiteral("פירוט")}, {45, kHeadM}, {70, kHeadF}}, true);
-    for (const SheetRow& r : sheetRows(SheetId::CMain)) {
-        if (!s.shown(r)) continue;
+    s.title();
+    s.heads();
+    for (const SheetRow* row : shownRows(s.out_, SheetId::CMain, s.params_, 0, false)) {
+        const SheetRow& r = *row;
         const std::string_view key = r.key;
         if (*r.lineNumber) p.PrintString(40, QString::fromUtf8(r.lineNumber), false);
-        QString caption = QString::fromUtf8(r.paperCaption);
-        if (r.fields[3]) {  // a row with a date: the date follows the caption
-            caption += QString::fromStdString(FormatDate(Date::fromSerial(static_cast<std::int32_t>(s.value(r.fields[3])))));
-            if (key == "Ribit" && s.value("PtorRibit") != 0)
-                caption += QStringLiteral(" בניכוי פטור ") + s.amount("PtorRibit");
-        }
-        p.PrintString(r.paperColumn, caption, false);
+        p.PrintString(r.paperColumn, s.caption(r), false);
         for (int slot = 0; slot < 3; ++slot)
             if (r.fields[slot]) p.PrintString(slot == 0 ? 45 : slot == 1 ? 70 : 60, s.amount(r.fields[slot]), false);
         p.NextLine(1);
@@ -109,8 +117,8 @@ void printMain(SheetPrinter& s) {
 void printHachnasot(SheetPrinter& s) {
     ClsPrint& p = s.p_;
     if (s.value("TTLM") == 0 && s.value("TTLF") == 0) return p.NextLine(-3);
-    s.title(QStringLiteral("1. הכנסות בשיעורי מס רגילים"));
-    s.heads({{40, kHeadM}, {65, kHeadF}}, true);
+    s.title();
+    s.heads();
     s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 65}); });
     p.NextLine(1);
     s.rules({{40, 50}, {65, 75}}, 1);
@@ -131,11 +139,8 @@ void printNikuim(SheetPrinter& s) {
         }
     if (paidM == 0 && paidF == 0) return p.NextLine(-3);
     p.NextLine(3);  // this sheet stands six lines below the one above
-    s.title(QStringLiteral("2. ניכויים מותרים"));
-    s.heads({{40, kHeadM}, {65, kHeadF}}, false);
-    s.heads({{35, QStringLiteral("סכום ששולם")}, {45, QStringLiteral("ניכוי מותר")}, {60, QStringLiteral("סכום ששולם")},
-             {70, QStringLiteral("ניכוי מותר")}},
-            true);
+    s.title();
+    s.heads();
     const std::initializer_list<double> cols = {35, 45, 60, 70};
     s.details(0, [&](const SheetRow& r) { s.cells(r, cols); });
     s.rules({{45, 55}, {70, 80}}, 1);
@@ -160,24 +165,15 @@ void printNikuim(SheetPrinter& s) {
 void printHishuv(SheetPrinter& s) {
     ClsPrint& p = s.p_;
     if (s.value("MSUM_TTL") == 0 && s.value("FSUM_TTL") == 0) return p.NextLine(-3);
-    s.title(QStringLiteral("3. מס מגיע על הכנסות בשיעור רגיל"));
-    s.heads({{18, kHeadM}, {58, kHeadF}}, false);
-    const QString income = QStringLiteral("סכום ההכנסה"), rate = QStringLiteral("שיעור מס"), tax = QStringLiteral("סכום המס");
-    s.heads({{10, income}, {20, rate}, {30, tax}, {50, income}, {60, rate}, {70, tax}}, true);
-    const double rates[] = {s.c_.RATE1(), s.c_.RATE2(), s.c_.RATE3(), s.c_.RATE4(),
-                            s.c_.RATE5(), s.c_.RATE6(), s.c_.RATE7()};
-    int bracket = 0;
-    for (const SheetRow& r : sheetRows(SheetId::CHishuv)) {
-        if (r.total) continue;
-        const double bracketRate = rates[bracket++];
-        if (!s.shown(r)) continue;
+    s.title();
+    s.heads();
+    s.details(0, [&](const SheetRow& r) {
         // Both rate cells print, even when only one person has income in the bracket.
-        const QString rateText = QString::number(bracketRate * 100, 'f', 2) + QLatin1Char('%');
-        s.cells(r, {10, 30, 50, 70});
+        const QString rateText = s.caption(r);
+        s.cells(r, {10, 30, 50, 70}, false);
         p.PrintString(20, rateText, false);
         p.PrintString(60, rateText, false);
-        p.NextLine(1);
-    }
+    });
     s.rules({{10, 20}, {30, 40}, {50, 60}, {70, 80}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTL"), {10, 30, 50, 70});
@@ -191,8 +187,7 @@ void printMeyuchad(SheetPrinter& s) {
     for (const SheetRow& r : sheetRows(SheetId::CMeyuchad))
         if (!r.total) gross += s.value(r.fields[0] ? r.fields[0] : r.fields[2]);
     if (gross == 0) return p.NextLine(-3);
-    s.title(QStringLiteral("4. מס מגיע על הכנסות בשיעורי מס מיוחדים"));
-    const QString income = QStringLiteral("סכום ההכנסה"), rate = QStringLiteral("שעור"), tax = QStringLiteral("סכום המס");
+    s.title();
     auto row = [&](const SheetRow& r) {
         p.PrintString(7, QString::fromUtf8(r.paperCaption), false);
         if (r.fields[1] && s.value(r.fields[1]) != 0) {
@@ -204,13 +199,13 @@ void printMeyuchad(SheetPrinter& s) {
         p.PrintString(67, s.amount(r.fields[3]) + QStringLiteral("% ="), false);
         p.PrintString(75, s.amount(r.fields[4]), false);
     };
-    s.heads({{7, kHeadM}, {55, income}, {65, rate}, {75, tax}}, true);
+    s.heads(0);
     s.details(0, row);
     s.rules({{55, 65}, {75, 85}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTLM"), {0, 0, 55, 0, 75});
     p.NextLine(1.5);
-    s.heads({{7, kHeadF}, {55, income}, {65, rate}, {75, tax}}, true);
+    s.heads(1);
     s.details(1, row);
     s.rules({{55, 65}, {75, 85}}, 1);
     p.NextLine(0.5);
@@ -222,10 +217,10 @@ void printZikuim(SheetPrinter& s) {
     if (s.value("ZIKUY_ODEF_M") == 0 && s.value("ZIKUY_TTL_M") == 0 && s.value("ZIKUY_ODEF_F") == 0 &&
         s.value("ZIKUY_TTL_F") == 0)
         return p.NextLine(-3);
-    s.title(QStringLiteral("5. זיכויים ממס"));
-    s.heads({{23, kHeadM}, {58, kHeadF}}, true);
+    s.title();
+    s.heads(0);
     // A credit by points: the worth of a point times the points, and the credit.
-    const QString pointWorth = amountText(s.c_.NEKUDA().value()) + QStringLiteral(" X");
+    const QString pointWorth = amountText(s.params_.pointWorth) + QStringLiteral(" X");
     s.details(0, [&](const SheetRow& r) {
         p.PrintString(7, QString::fromUtf8(r.paperCaption), false);
         for (int person = 0; person < 2; ++person) {
@@ -233,14 +228,12 @@ void printZikuim(SheetPrinter& s) {
             if (!points) continue;
             const double shift = person * 35;
             p.PrintString(20 + shift, pointWorth, false);
-            p.PrintString(27 + shift, s.amount(points, 2) + QStringLiteral(" ="), false);
-            p.PrintString(40 + shift, s.amount(r.fields[person * 2 + 1]), false);
+            p.PrintString(27 + shift, QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2)) + QStringLiteral(" ="), false);
+            p.PrintString(40 + shift, QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2 + 1)), false);
         }
     });
     p.NextLine(1);
-    const QString pay = QStringLiteral("תשלום"), allowed = QStringLiteral("הותר"), pct = QStringLiteral("%");
-    // The payment stands two columns clear of the longest captions.
-    s.heads({{19, pay}, {27, allowed}, {37, pct}, {52, pay}, {62, allowed}, {72, pct}}, true);
+    s.heads(1);
     const std::initializer_list<double> cols = {19, 27, 37, 40, 52, 62, 72, 75};
     s.details(1, [&](const SheetRow& r) { s.cells(r, cols); });
     if (s.shown(s.row("ODEF"))) {
@@ -257,8 +250,8 @@ void printZikuim(SheetPrinter& s) {
 void printTashlumim(SheetPrinter& s) {
     ClsPrint& p = s.p_;
     if (s.value("TTL") == 0) return p.NextLine(-3);
-    s.title(QStringLiteral("6. תשלומים על חשבון המס לשנת ") + QString::number(s.c_.YEARDOCH()));
-    s.heads({{40, kHeadM}, {55, kHeadF}, {70, QStringLiteral("סה\"כ")}}, true);
+    s.title();
+    s.heads();
     s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 55, 70}); });
     s.rules({{40, 50}, {55, 65}, {70, 80}}, 1);
     p.NextLine(0.5);
@@ -267,33 +260,15 @@ void printTashlumim(SheetPrinter& s) {
     s.rules({{40, 50}, {55, 65}, {70, 80}}, 2);
 }
 
-double blRate(const ConstDoch& c, RowRate rate) {
-    switch (rate) {
-        case RowRate::MufhatAzmai: return c.BLRATEMUFHATAZMAI();
-        case RowRate::RagilAzmai: return c.BLRATERAGILAZMAI();
-        case RowRate::MufhatHeino: return c.BLRATEMUFHATHEINOOVED();
-        case RowRate::RagilHeino: return c.BLRATERAGILHEINOOVED();
-        case RowRate::None: break;
-    }
-    return 0;
-}
-
 void printBL(SheetPrinter& s) {
     ClsPrint& p = s.p_;
-    s.title(QStringLiteral("חבות משוערת בדמי ביטוח לאומי"));
-    s.heads({{40, kHeadM}, {68, kHeadF}}, false);
-    const QString income = QStringLiteral("הכנסה"), premium = QStringLiteral("דמי ביטוח");
-    s.heads({{35, income}, {47, premium}, {63, income}, {75, premium}}, true);
+    s.title();
+    s.heads();
     const std::initializer_list<double> cols = {35, 47, 63, 75};
     s.details(0, [&](const SheetRow& r) {
-        if (r.rate != RowRate::None) {
-            // The rate comes from the year's constants, never from a design caption.
-            const QString rate = QString::number(blRate(s.c_, r.rate) * 100, 'f', 2) + QLatin1Char('%');
-            p.PrintString(r.paperColumn, QString::fromUtf8(r.paperCaption) + rate, r.paperBold);
-            s.cells(r, cols, false);
-        } else if (r.paperColumn == 15) {  // "(on the basis of the income from ...)"
-            s.cells(r, {40, 68});
-            p.PrintString(80, QStringLiteral(")"), false);
+        if (*r.closing) {  // "(on the basis of the income from ...)": the two incomes stand inside the brackets
+            s.cells(r, {40, 0, 68});
+            p.PrintString(80, QString::fromUtf8(r.closing), false);
         } else {
             s.cells(r, cols);
         }
@@ -306,6 +281,14 @@ void printBL(SheetPrinter& s) {
 }
 
 }  // namespace
+
+SheetParams sheetParams(const ConstDoch& c) {
+    return {.yearDoch = c.YEARDOCH(),
+            .pointWorth = static_cast<double>(c.NEKUDA().value()),
+            .bracketRates = {c.RATE1(), c.RATE2(), c.RATE3(), c.RATE4(), c.RATE5(), c.RATE6(), c.RATE7()},
+            .blRates = {c.BLRATEMUFHATAZMAI(), c.BLRATERAGILAZMAI(), c.BLRATEMUFHATHEINOOVED(),
+                        c.BLRATERAGILHEINOOVED()}};
+}
 
 void PrintSheet(ClsPrint& p, SheetId sheet, const NishumOutput& out, const ConstDoch& c) {
     SheetPrinter s(p, sheet, out, c);

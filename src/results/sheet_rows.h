@@ -35,12 +35,13 @@ struct SheetRow {
     // The fields whose sum is tested (NonZero, Differs); none: the row's own fields.
     std::array<const char*, 4> test{};
     RowShow show = RowShow::NonZero;
-    int step = 250;            // twips the screen's running position grows after the row; 0 on fixed sheets
+    int step = 250;            // twips the screen's running position grows after the row
     int paperColumn = 7;       // column of the caption on paper
     bool paperBold = false;    // the whole row is bold on paper
     const char* lineNumber = "";  // the form's line number printed beside the caption (summary sheet)
     RowRate rate = RowRate::None;  // the caption is followed by this rate (national insurance sheet)
     bool total = false;            // a total or summary row below the detail rows of its block
+    const char* closing = "";      // closes the row after its last amount (the bracket of a "basis" row)
 };
 
 // The rows of a sheet, top to bottom (blocks in order).
