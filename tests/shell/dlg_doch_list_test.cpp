@@ -1,0 +1,168 @@
+// The taxpayer list over a temporary database with a few stored reports.
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModel>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "report/report_json.h"
+#include "shell/dlg_doch_list.h"
+#include "shell/messages.h"
+#include "storage/report_db.h"
+
+using namespace zelmor;
+using namespace zelmor::shell;
+
+namespace {
+
+// Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).
+void typeText(QWidget* w, const QString& text) {
+    for (const QChar ch : text) QTest::sendKeyEvent(QTest::Click, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+}
+
+const QString kNoRow = QStringLiteral("לא נבחר אף נישום לפתיחה");
+
+NishumInput goldenReport(const char* name) {
+    QFile f(QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/") + QLatin1String(name));
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << name;
+    return parseReportDocument(f.readAll().toStdString());
+}
+
+class DochListTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        db = std::make_unique<storage::ReportDb>(dir.filePath(QStringLiteral("D2015.BRK")).toStdString());
+    }
+    void fill() {
+        for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
+            ASSERT_TRUE(db->saveNishum(goldenReport(name)).ok) << name;
+    }
+    static QStringList column(DochListDialog& dlg, int col) {
+        QStringList out;
+        const QAbstractItemModel* m = dlg.findChild<QTableView*>(QStringLiteral("dbdochlist"))->model();
+        for (int r = 0; r < m->rowCount(); ++r) out << m->index(r, col).data().toString();
+        return out;
+    }
+    static QStringList ids(const std::vector<storage::NameRow>& rows) {
+        QStringList out;
+        for (const auto& r : rows) out << QString::fromStdString(r.dID);
+        return out;
+    }
+    static void click(DochListDialog& dlg, const char* name) {
+        dlg.findChild<QAbstractButton*>(QLatin1String(name))->click();
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<storage::ReportDb> db;
+    MessageRecorder recorder;
+};
+
+TEST_F(DochListTest, EmptyDatabaseOpensNothing) {
+    DochListDialog dlg(*db);
+    EXPECT_EQ(dlg.visibleRows(), 0);
+    click(dlg, "btnOpen");
+    ASSERT_EQ(recorder.shown.size(), 1u);
+    EXPECT_EQ(recorder.shown[0].title, QStringLiteral("רשימת נישומים"));
+    EXPECT_EQ(recorder.shown[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(recorder.shown[0].text, kNoRow);
+    EXPECT_EQ(dlg.result(), QDialog::Rejected);
+    EXPECT_TRUE(dlg.chosenId().isEmpty());
+}
+
+TEST_F(DochListTest, SortsByNameOrIdAndOpensTheFirstRow) {
+    fill();
+    DochListDialog dlg(*db);
+    EXPECT_EQ(column(dlg, 0), ids(db->listNames(storage::ListOrder::ByName)));
+    click(dlg, "IDSort");
+    const QStringList byId = column(dlg, 0);
+    EXPECT_EQ(byId, ids(db->listNames(storage::ListOrder::ById)));
+    EXPECT_TRUE(std::is_sorted(byId.begin(), byId.end()));
+    click(dlg, "IDSort");  // the same key again changes nothing
+    EXPECT_EQ(column(dlg, 0), byId);
+    click(dlg, "NameSort");
+    EXPECT_EQ(column(dlg, 0), ids(db->listNames(storage::ListOrder::ByName)));
+
+    // After a sort the first row is the current one.
+    click(dlg, "btnOpen");
+    EXPECT_TRUE(recorder.shown.empty()) << recorder.lastText().toStdString();
+    EXPECT_EQ(dlg.result(), QDialog::Accepted);
+    EXPECT_EQ(dlg.chosenId(), column(dlg, 0).front());
+    EXPECT_EQ(dlg.chosenName(), column(dlg, 1).front());
+}
+
+TEST_F(DochListTest, SearchNarrowsTheGridAndEnterOpensTheMatch) {
+    fill();
+    DochListDialog dlg(*db);
+    dlg.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dlg));
+    auto* search = dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch"));
+    EXPECT_EQ(dlg.focusWidget(), search);
+    EXPECT_EQ(dlg.visibleRows(), 4);
+
+    typeText(search, QStringLiteral("0345"));
+    EXPECT_EQ(dlg.visibleRows(), 1);
+    EXPECT_EQ(column(dlg, 0), QStringList{QStringLiteral("034567818")});
+    search->clear();
+    typeText(search, QStringLiteral("חדד"));  // by name
+    EXPECT_EQ(column(dlg, 0), QStringList{QStringLiteral("022334452")});
+    search->clear();
+    typeText(search, QStringLiteral("no such client"));
+    EXPECT_EQ(dlg.visibleRows(), 0);
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(recorder.lastText(), kNoRow);
+    EXPECT_TRUE(dlg.isVisible());
+
+    search->clear();
+    EXPECT_EQ(dlg.visibleRows(), 4);
+    typeText(search, QStringLiteral("054321096"));
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(dlg.result(), QDialog::Accepted);
+    EXPECT_EQ(dlg.chosenId(), QStringLiteral("054321096"));
+}
+
+TEST_F(DochListTest, ArrowsInTheSearchBoxMoveTheCurrentRow) {
+    fill();
+    DochListDialog dlg(*db);
+    dlg.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dlg));
+    auto* search = dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch"));
+    QTest::keyClick(search, Qt::Key_Down);
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(dlg.chosenId(), column(dlg, 0).at(1));
+}
+
+TEST_F(DochListTest, DeleteAsksFirst) {
+    fill();
+    DochListDialog dlg(*db);
+    auto* search = dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch"));
+    typeText(search, QStringLiteral("034567818"));
+
+    recorder.answers = {QMessageBox::No};
+    click(dlg, "btnDelete");
+    ASSERT_EQ(recorder.shown.size(), 1u);
+    EXPECT_EQ(recorder.shown[0].text, QStringLiteral("האם את/ה בטוח/ה שברצונך למחוק את הדו\"ח ?"));
+    EXPECT_EQ(db->countStored(), 4u);
+    EXPECT_EQ(dlg.visibleRows(), 1);
+
+    recorder.answers = {QMessageBox::Yes};
+    click(dlg, "btnDelete");
+    EXPECT_EQ(db->countStored(), 3u);
+    EXPECT_EQ(dlg.visibleRows(), 0);  // the search stays; its one match is gone
+    search->clear();
+    EXPECT_EQ(dlg.visibleRows(), 3);
+    EXPECT_FALSE(column(dlg, 0).contains(QStringLiteral("034567818")));
+
+    // With no row to delete a Yes deletes nothing.
+    typeText(search, QStringLiteral("no such client"));
+    recorder.answers = {QMessageBox::Yes};
+    click(dlg, "btnDelete");
+    EXPECT_EQ(db->countStored(), 3u);
+}
+
+}  // namespace
