@@ -6,7 +6,7 @@
 
 namespace zelmor::shell {
 
-void showStoreOutcome(QWidget* parent, const storage::StoreOutcome& outcome) {
+void showStoreOutcome(QWidget* parent, StoreStep, const storage::StoreOutcome& outcome) {
     if (outcome.text.empty()) return;
     MsgIcon icon = MsgIcon::None;
     switch (outcome.icon) {

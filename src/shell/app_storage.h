@@ -8,7 +8,9 @@ class QWidget;
 
 namespace zelmor::shell {
 
-// Shows the outcome's message, if it has one, with its title and icon.
-void showStoreOutcome(QWidget* parent, const storage::StoreOutcome& outcome);
+enum class StoreStep { Open, Save };
+
+// Shows the outcome's message, if it has one.
+void showStoreOutcome(QWidget* parent, StoreStep step, const storage::StoreOutcome& outcome);
 
 }  // namespace zelmor::shell

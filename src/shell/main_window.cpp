@@ -62,19 +62,20 @@ MainWindow::MainWindow(const AppOptions& options, QWidget* parent)
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     childArea_ = new QWidget(this);
-    childArea_->setFixedSize(kChildWidth, kChildHeight);
+    childArea_->setFixedSize(EntryPage::childSize());
     auto* layout = new QVBoxLayout(childArea_);
     layout->setContentsMargins(0, 0, 0, 0);
     setCentralWidget(childArea_);
     buildMenus();
-    setFixedSize(kChildWidth, kChildHeight + menuBar()->heightForWidth(kChildWidth));
+    const QSize child = EntryPage::childSize();
+    setFixedSize(child.width(), child.height() + menuBar()->heightForWidth(child.width()));
 
     draftTimer_ = new QTimer(this);
     draftTimer_->setSingleShot(true);
     draftTimer_->setInterval(kDraftDelayMs);
     connect(draftTimer_, &QTimer::timeout, this, &MainWindow::writeDraft);
 
-    showStoreOutcome(this, db().newNishum(report_));
+    showStoreOutcome(this, StoreStep::Open, db().newNishum(report_));
     setMode(true);
     showPage(1);
     setWindowTitle(QStringLiteral("Zelmor %1").arg(constants_.YEARDOCH()));
@@ -271,7 +272,7 @@ void MainWindow::newReport() {
     if (!takeScreen()) return;
     if (askQuestion(this, u(kNewTitle), u(kNewText), QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes) {
         const storage::StoreOutcome outcome = db().newNishum(report_);
-        showStoreOutcome(this, outcome);
+        showStoreOutcome(this, StoreStep::Open, outcome);
         if (outcome.ok) drafts_->remove();
     }
     enterEditMode(1);
@@ -283,11 +284,11 @@ bool MainWindow::saveReport() {
     if (!outcome.ok && trimmed(report_.NishumID()).empty()) {
         // Without an id there is nothing to store under: back to the id's field.
         enterEditMode(1);
-        showStoreOutcome(this, outcome);
+        showStoreOutcome(this, StoreStep::Save, outcome);
         if (QWidget* id = page_->fieldWidget(QStringLiteral("IDM"))) id->setFocus();
         return false;
     }
-    showStoreOutcome(this, outcome);
+    showStoreOutcome(this, StoreStep::Save, outcome);
     if (outcome.ok) drafts_->remove();
     return outcome.ok;
 }

@@ -41,9 +41,6 @@ struct AppOptions {
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    // The child area, which every entry page and result sheet fills.
-    static constexpr int kChildWidth = 600;
-    static constexpr int kChildHeight = 400;
     // How long typing may go on before the draft is written.
     static constexpr int kDraftDelayMs = 30000;
 
