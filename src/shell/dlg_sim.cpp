@@ -41,6 +41,12 @@ QString questionCaption(SimQuestion q) {
 
 QString amountText(Amount a) { return QString::fromStdString(FormatAmount(a.value())); }
 
+// An amount inside a Hebrew caption, kept left to right so that its sign stays
+// behind the digits.
+QString amountInCaption(Amount a) {
+    return QChar(0x202A) + amountText(a) + QChar(0x202C);  // LRE ... PDF
+}
+
 // An amount shows with its sign behind the digits ("1,234-"), so it is laid
 // out left to right whatever the dialog's direction.
 QLabel* amountLabel(QWidget* parent, const char* name) {
@@ -219,12 +225,12 @@ void SimDialog::showAnswer() {
             break;
         case SimQuestion::IncomeChange:
             lblItra_->setText(QStringLiteral("יתרת מס לתשלום (להחזר) ע\"פ נתוני הדו\"ח"));
-            lblHefresh_->setText(QStringLiteral("תשלום (החזר) מס עקב תוספת (גריעת) הכנסה בסך ") + amountText(lastSum_));
+            lblHefresh_->setText(QStringLiteral("תשלום (החזר) מס עקב תוספת (גריעת) הכנסה בסך ") + amountInCaption(lastSum_));
             lblAnswer_->setText(QStringLiteral("יתרת מס לתשלום (להחזר) לאחר תוספת (גריעת) ההכנסה"));
             break;
         case SimQuestion::TaxChange:
             lblItra_->setText(QStringLiteral("הכנסה מעסק ע\"פ נתוני הדו\"ח"));
-            lblHefresh_->setText(QStringLiteral("תוספת (גריעה) מההכנסה עקב תשלום (החזר) מס בסך ") + amountText(lastSum_));
+            lblHefresh_->setText(QStringLiteral("תוספת (גריעה) מההכנסה עקב תשלום (החזר) מס בסך ") + amountInCaption(lastSum_));
             lblAnswer_->setText(QStringLiteral("הכנסה מעסק לאחר תשלום (החזר) מס"));
             break;
     }

@@ -106,7 +106,7 @@ TEST_F(SimDialogTest, AnswersAreTheSolversAnswers) {
         if (sixLabels) {
             EXPECT_EQ(child<QLabel>(dlg, "lblItraSum")->text(), shown(expected.SimBase));
             EXPECT_EQ(child<QLabel>(dlg, "lblHefreshSum")->text(), shown(expected.SimHefresh));
-            EXPECT_TRUE(child<QLabel>(dlg, "lblHefresh")->text().endsWith(shown(ParseAmount(k.sum))));
+            EXPECT_TRUE(child<QLabel>(dlg, "lblHefresh")->text().contains(shown(ParseAmount(k.sum))));
         } else {
             EXPECT_EQ(child<QLabel>(dlg, "lblAnswer")->text(), QStringLiteral("סכום ההכנסה שחושב :"));
         }
