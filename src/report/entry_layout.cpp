@@ -53,6 +53,9 @@ public:
     // A plain heading or note inside a block.
     Page& text(Words caption, Medium medium = Medium::Both) { return row(caption, {}, medium); }
 
+    // The catalogue's caption of a field.
+    const char* caption(const char* name) const { return field(name).caption; }
+
     // A cell under a column, its caption the row's.
     EntryCell at(Person column, const char* name, Medium medium = Medium::Both) const {
         field(name);
@@ -93,13 +96,17 @@ private:
 ColumnHead head(Person p) { return {p, {columnHead(p), columnHead(p)}}; }
 std::vector<ColumnHead> mf() { return {head(Person::M), head(Person::F)}; }
 std::vector<ColumnHead> bmf() { return {head(Person::Both), head(Person::M), head(Person::F)}; }
+// Heads that the screen shows and paper leaves out.
+std::vector<ColumnHead> screenHeads(std::vector<ColumnHead> heads) {
+    for (ColumnHead& h : heads) h.text.paper = "";
+    return heads;
+}
 
 constexpr Person M = Person::M;
 constexpr Person F = Person::F;
 constexpr Person B = Person::Both;
 constexpr Person T = Person::Total;
 constexpr Person N = Person::None;
-constexpr Medium kScreen = Medium::Screen;
 constexpr Medium kPaper = Medium::Paper;
 
 // --- The pages ----------------------------------------------------------------
@@ -151,13 +158,177 @@ void yegia(Page& p) {
     p.row("11. רכוש אחר / ריבית", {p.at(B, "N167"), p.at(M, "N205"), p.at(F, "N305")});
 }
 
-void rechush(Page&) {}
-void pturot(Page&) {}
-void nikuim(Page&) {}
-void nekudot(Page&) {}
-void zikuim(Page&) {}
-void tashlumim(Page&) {}
-void klaliim(Page&) {}
+void rechush(Page& p) {
+    p.block({"ה. הכנסות חייבות בשעורי מס מיוחדים", "ה. הכנסות מרכוש בשעורי מס מיוחדים"},
+            {"סעיפים 12-25", "סעיפים 12-25"}, screenHeads(bmf()));
+    p.row("12. פטנט או לאחר פטירה (40%)", {p.at(B, "N061"), p.at(M, "N214"), p.at(F, "N314")});
+    p.row("13. ריבית ני\"ע ודיב מאושר (15%)", {p.at(B, "N060"), p.at(M, "N211"), p.at(F, "N311")});
+    p.row("14. ריבית ני\"ע וקופת גמל (20%)", {p.at(B, "N067"), p.at(M, "N228"), p.at(F, "N328")});
+    p.row("15. ריבית ני\"ע ועמלות (25%)", {p.at(B, "N157"), p.at(M, "N257"), p.at(F, "N357")});
+    p.row("16. דיבידנד ומניות לפדיון (25%)", {p.at(B, "N141"), p.at(M, "N241"), p.at(F, "N341")});
+    p.row("17. דיבידנד והכנסה אחרת (30%)", {p.at(B, "N055"), p.at(M, "N212"), p.at(F, "N312")});
+    p.row("18. ריבית ני\"ע ודיב. זרים (35%)", {p.at(B, "N053"), p.at(M, "N213"), p.at(F, "N313")});
+    p.row("19. פק. וחיסכון לפני פטור (15%)", {p.at(B, "N078"), p.at(M, "N217"), p.at(F, "N317")});
+    p.row("20. פק. וחיסכון לפני פטור (20%)", {p.at(B, "N126"), p.at(M, "N226"), p.at(F, "N326")});
+    p.row("21. פק. וחיסכון לפני פטור (25%)", {p.at(B, "N142"), p.at(M, "N242"), p.at(F, "N342")});
+    p.row("22. שכר דירה למגורים (10%)", {p.at(B, "N222")});
+    p.row("23. שכר דירה מחו\"ל (15%)", {p.at(B, "N225")});
+    p.row("24. הימורים, הגרלות ופרסים (25%)", {p.at(B, "N227")});
+    // The rate of line 25 stands inside its caption, the "%" after it.
+    p.row({p.caption("AcheretRate"), "25. אחרת בשיעור מס מוגבל "},
+          {p.at(N, "AcheretRate"), p.at(B, "Acheret"), p.at(M, "AcheretM"), p.at(F, "AcheretF")});
+    p.block({"ו. מוסד כספי", "ו. מוסד כספי"}, {"סעיף 26", "סעיף 26"}, screenHeads(mf()));
+    p.row("26. רווח של מוסד כספי כמשמעותו בחוק מע\"מ", {p.at(M, "N032"), p.at(F, "N163")});
+}
+
+void pturot(Page& p) {
+    // Lines 27 and 28 hold one figure on each side of the page, right and left.
+    p.block({"ז. נתונים נוספים", "ז. נתונים נוספים"}, {"סעיפים 27-28", "סעיפים 27-28"});
+    p.row(p.caption("N184"), {p.at(M, "N184"), p.at(F, "N185")});
+    p.row(p.caption("N186"), {p.at(M, "N186"), p.at(F, "N187")});
+    p.block({"ח. הכנסות מרווח הון ומשבח מקרקעין", "ח. הכנסות מרווח הון ומשבח מקרקעין"},
+            {"סעיפים 31-33", "סעיפים 31-33"});
+    p.row("31. מספר טופסי רווח הון", {p.at(N, "N054")});
+    p.row("32. סה\"כ סכום המכירות", {p.at(N, "N056")});
+    p.row("רווח הון ריאלי עד 31/12/02", {p.at(N, "Reali")});
+    p.row("רווח הון ריאלי מ 1/1/03 (25%)", {p.at(N, "Reali25")});
+    p.row("סכום אינפלציוני חייב (10%)", {p.at(N, "Infla")});
+    p.row("33. מכירת ני\"ע", {p.at(N, "N256")});
+    p.row("רווח מני\"ע (15%)", {p.at(N, "N256Revach")});
+    p.row("רווח מני\"ע (20%)", {p.at(N, "N256Revach20")});
+    p.row("רווח מני\"ע (25%)", {p.at(N, "N256Revach25")});
+    p.block({"ט. הכנסות מחו\"ל", "ט. הכנסות מחו\"ל"}, {"סעיף 34", "סעיף 34"});
+    p.row("34. סה\"כ הכנסות חו\"ל", {p.at(N, "N290")});
+    p.block({"י. הכנסות פטורות", "י. הכנסות פטורות"}, {"סעיפים 35-39", "סעיפים 35-39"});
+    p.row("35. לפי סעיף 9(5) - נכה", {p.at(N, "N109")});
+    p.row("בן/בת הזוג", {p.at(N, "N309")});
+    p.row("36. קצבאות פטורות ממס", {p.at(N, "Kizva")});
+    p.row("37. שכ\"ד למגורים פטור", {p.at(N, "Dira")});
+    p.row("38. מקורות אחרים (פרט)", {p.at(N, "AcherotText"), p.at(N, "Acherot")});
+    p.row("39. סה\"כ הכנסות פטורות", {p.at(N, "N209")});
+    p.block({"יא. פרטים נוספים", "יא. פרטים נוספים"}, {"סעיפים 40-41", "סעיפים 40-41"});
+    p.text({"40. פרטים נוספים :", "40. פרטים נוספים:"});
+    p.row(p.caption("N097"), {p.at(N, "N097")});
+    p.row(p.caption("N195"), {p.at(N, "N195")});
+    p.row(p.caption("N279"), {p.at(N, "N279")});
+    p.text({"41. יתרות להעברה לשנת המס הבאה :", "41. יתרות להעברה לשנת המס הבאה :"});
+    p.row(p.caption("N079"), {p.at(N, "N079")});
+    p.row(p.caption("N179"), {p.at(N, "N179")});
+    p.row(p.caption("N166"), {p.at(N, "N166")});
+    p.row(p.caption("N160"), {p.at(N, "N160")});
+    p.row(p.caption("N299"), {p.at(N, "N299")});
+}
+
+void nikuim(Page& p) {
+    const char* paid = "הסכום ששולם";
+    p.block({"יב. ניכויים אישיים", "יב. ניכויים אישיים"}, {"סעיפים 42-53", "סעיפים 42-53"},
+            {{M, {kM, kM}, paid}, {F, {kF, kF}, paid}});
+    p.row(p.caption("N112"), {p.at(M, "N112"), p.at(F, "N113")});
+    p.row(p.caption("N206"), {p.at(M, "N206"), p.at(F, "N207")});
+    p.row(p.caption("N136"), {p.at(M, "N136"), p.at(F, "N137")});
+    p.row(p.caption("N218"), {p.at(M, "N218"), p.at(F, "N219")});
+    p.row(p.caption("N135"), {p.at(M, "N135"), p.at(F, "N180")});
+    p.row(p.caption("N030"), {p.at(M, "N030"), p.at(F, "N089")});
+    p.text({"בסעיפים 48-50 יש לרשום סכום הניכוי המחושב :", "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב"});
+    p.row(p.caption("N005"), {p.at(M, "N005"), p.at(F, "N006")});
+    p.row(p.caption("N116"), {p.at(M, "N116"), p.at(F, "N117")});
+    p.row(p.caption("N118"), {p.at(M, "N118"), p.at(F, "N119")});
+    p.row(p.caption("N244"), {p.at(M, "N244"), p.at(F, "N245")});
+    p.row("53. הפקדות מעביד לקיצבה והפקדות העובד לפנסיה", {p.at(M, "N248"), p.at(F, "N249")});
+}
+
+void nekudot(Page& p) {
+    // The spouse's cell of lines 60 to 64 is captioned "בן/בת הזוג" on the screen; on paper the
+    // caption runs into the form code, with two blanks, or one where no code follows.
+    const char* spouse = "בן/בת הזוג  ";
+    const char* spouseNoCode = "בן/בת הזוג ";
+    p.block({"יג. נקודות זיכוי", "יג. נקודות זיכוי"}, {"סעיפים 54-64", "סעיפים 54-64"});
+    p.row("54. תושב", {p.at(N, "N020")});
+    p.row("55. בן/בת זוג", {p.at(N, "N021")});
+    p.row("56. בן/בת זוג עוזר/ת בהשגת הכנסה", {p.at(N, "N025")});
+    p.row("57. תשלום מזונות - נשוי/אה שנית", {p.at(N, "N028")});
+    p.row({"58. ילדים סמוכים שגילם בשנת המס :", "58. ילדים סמוכים שגילם בשנת המס:"},
+          {p.own(N, "N260_1", "נולד"), p.own(N, "N260_2", "2-1"), p.own(N, "N260_3", "3"),
+           p.own(N, "N260_4", "5-4"), p.own(N, "N260_5", "17-6"), p.own(N, "N260_6", "18")});
+    p.row("59. משפחה חד הורית", {p.at(N, "N026")});
+    p.row("60. השתתפות בכלכלת ילדים שאינם סמוכים", {p.at(M, "N029"), p.own(F, "N129", spouse)});
+    p.row("61. מספר נתמכים נטולי יכולת פיסית", {p.at(M, "N023"), p.own(F, "N131", spouse)});
+    p.row("62. עולה חדש - תאריך עליה", {p.at(M, "OleDateM"), p.own(F, "OleDateF", spouseNoCode)});
+    p.row("63. חייל משוחרר - תאריך שחרור מסדיר", {p.at(M, "N224"), p.own(F, "N324", spouse)});
+    p.row("מספר חודשי שירות מלאים", {p.at(M, "N024"), p.own(F, "N124", spouse)});
+    p.row("64. סיום לימודים לתואר אקדמי או לימודי הוראה", {p.at(M, "N181"), p.own(F, "N182", spouseNoCode)});
+}
+
+void zikuim(Page& p) {
+    p.block({"יד. זיכויים", "יד. זיכויים"}, {"סעיפים 65-73", "סעיפים 62-69"}, mf());
+    p.row("65. לביטוח חיים", {p.at(M, "N036"), p.at(F, "N081")});
+    p.row("66. לביטוח קצבת שארים", {p.at(M, "N140"), p.at(F, "N240")});
+    p.row("67. לקיצבה מקיפה כעמית שכיר", {p.at(M, "N045"), p.at(F, "N086")});
+    p.row("68. לקיצבה מקיפה כעמית עצמאי", {p.at(M, "N268"), p.at(F, "N269")});
+    p.row("69. לאחזקת בן משפחה במוסד", {p.at(M, "N132"), p.at(F, "N232")});
+    p.row("70. תרומות למוסדות ציבור", {p.at(M, "N037"), p.at(F, "N237")});
+    p.row("71. תרומות להנצחת זכר חייל שניספה", {p.at(M, "N143"), p.at(F, "N144")});
+    p.row("73. תושבי יישובים מסויימים", {p.at(M, "N093"), p.at(F, "N193")});
+    p.row({"", "אחוז ההנחה"}, {p.own(M, "N093Rate", ""), p.own(M, "N093Month", "חודשים: "),
+                              p.own(F, "N193Rate", ""), p.own(F, "N193Month", "חודשים: ")});
+    p.row({p.caption("AcherimText"), "סכומי זיכויים אחרים (כוחות הבטחון/אחר)"},
+          {{"AcherimText", N, {"פרט", "פרוט: "}}, p.at(M, "AcherimM"), p.at(F, "AcherimF")});
+}
+
+void tashlumim(Page& p) {
+    p.block({"טו. מחזור למקדמות, ניכויים במקור, מס שבח וחשבון בנק", "טו. ניכוי במקור ותשלומים"},
+            {"סעיפים 74-79", "סעיפים 74-79"},
+            {{M, {"מגיש הדו\"ח", "מגיש הדו\"ח"}}, head(Person::F), head(Person::Total)});
+    // Paper breaks the caption of line 74 over two lines.
+    p.row("74. סך מחזור מעסק, השכרה,", {p.at(M, "N294M"), p.at(F, "N294F"), p.at(T, "N294")});
+    p.text({"", "ריבית ואחרות במס רגיל (ללא מע\"מ)"}, kPaper);
+    p.row("75. ניכוי במקור משכר וקיצבאות", {p.at(M, "N042M"), p.at(F, "N042F"), p.at(T, "N042")});
+    p.row("76. ניכוי מהכנסות אחרות", {p.at(M, "N040M"), p.at(F, "N040F"), p.at(T, "N040")});
+    p.row("77. ניכוי במקור מריבית (סעיף 18,19)", {p.at(M, "N043M"), p.at(F, "N043F"), p.at(T, "N043")});
+    p.row("78. מס שבח שנקבע בשומה (קרן)", {p.at(M, "N041M"), p.at(F, "N041F"), p.at(T, "N041")});
+    p.row("79. מקדמות עודפות חברה משפחתית", {p.at(M, "OdfotM"), p.at(F, "OdfotF"), p.at(T, "Odfot")});
+    p.text({"שולם ע\"ח :", "שולם ע\"ח"});
+    p.row("מקדמות", {p.at(M, "MikdamotM"), p.at(F, "MikdamotF"), p.at(T, "Mikdamot")});
+    p.row("תשלומים (החזרים) נוספים", {p.at(M, "TashlumimM"), p.at(F, "TashlumimF"), p.at(T, "Tashlumim")});
+    p.row("סה\"כ תשלומים ע\"ח המס", {p.at(M, "TashTTLM"), p.at(F, "TashTTLF"), p.at(T, "TashTTL")});
+}
+
+void klaliim(Page& p) {
+    // A declaration is a check box or an option with its caption; paper marks it
+    // "x" or a blank. A "\n" in a paper caption breaks it over two lines.
+    auto decl = [&p](const char* name, const char* paper = nullptr) {
+        return p.own(N, name, paper ? paper : p.caption(name));
+    };
+    p.block({"א. פרטים כלליים", "א. פרטים כלליים"});
+    p.row({}, {p.own(N, "Shuma", "משרד השומה ")});
+    p.row({"הדו\"ח על :", "הדו\"ח על :"}, {decl("isMeAndBZ"), decl("isMe")});
+    p.row({}, {decl("isHechzerMas")});
+    p.row({}, {decl("isBZDochNifrad", " בן/בת זוגי מגיש/ה דו\"ח בנפרד"), decl("isBZNoIncome")});
+    p.row({}, {decl("isBZOzer")});
+    p.row({"", "תלות במקור הנסותינו"}, {decl("isTlutYes", " קיימת"), decl("isTlutNo", " לא קיימת")});
+    p.row({}, {decl("isBakashaNifrad")});
+    p.row({}, {decl("isKerenHishtalmut", "מצ\"ב נספח לחישוב הכנסה בגין תשלומי מעביד\nלקרן השתלמות וקופ\"ג")});
+    p.row({}, {decl("isHul")});
+    p.row({}, {decl("isYozerBenemanut",
+                    "הנני יוצר בנאמנות, בר-שומה ובר-חיוב.\nדו\"ח זה כולל את הכנסותי ואת הכנסות הנאמנות")});
+    p.row({}, {decl("isNeheneBenemanut", "הנני נהנה בנאמנות שההכנסות שחולקו לי בנאמנות\nכלולות בדו\"ח זה")});
+    p.row({}, {decl("isIverOrNeche")});
+    p.row({}, {decl("isShlitaNischar")});
+    p.row({}, {decl("isZchuyotLoNischar")});
+    p.row({}, {decl("isPeulaTichnunHayav")});
+    p.row({}, {decl("isIskaotZdadimHul")});
+    p.text({"לגבי הכנסתי מעסק/משלח יד עיקרי :", "לגבי הכנסתי מעסק/משלח יד עיקרי :"});
+    p.row({}, {decl("isMevusas")});
+    p.row({}, {p.own(N, "Tosefet", "ע\"פ תוספת "), p.own(N, "Saif", ", סעיף ")});
+    p.row({"הנה\"ח :", "הנה\"ח :"}, {decl("isKfula"), decl("isHadZidi")});
+    p.row({"קופה רושמת :", "קופה רושמת :"}, {decl("isKupaYes"), decl("isKupaNo")});
+    p.row({"תיעוד פנים :", "תיעוד פנים :"}, {decl("isMemuhshav"), decl("isYadani")});
+    p.row({}, {decl("isHaklai", " ניהלתי משק חקלאי / שטח מעובד -\n מצ\"ב דו\"ח משק חקלאי (טופס 1220)")});
+    p.row({}, {decl("isShotfut")});
+    p.text({"דו\"ח תיאום אינפלצוני :", "דו\"ח תיאום אינפלציוני"});
+    p.row({"הגשתי לפי", "הגשתי לפי"}, {decl("isPerekBet"), decl("isPerekGimel"), decl("isNoTeum")});
+    p.row({}, {decl("isFamily")});
+}
 
 const std::array<const EntryPageLayout*, 9>& layouts() {
     static const std::array<const EntryPageLayout*, 9> all = [] {

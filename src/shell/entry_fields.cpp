@@ -61,7 +61,7 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
 
     if (!cellCaption.isEmpty() && !isButton) w.before.push_back(sideLabel(cellCaption, parent));
     if (*def.code && !isButton && cellCaption.isEmpty())
-        w.before.push_back(sideLabel(utf8(def.code) + QLatin1Char(':'), parent));
+        w.code = sideLabel(utf8(def.code) + QLatin1Char(':'), parent);
 
     switch (def.control) {
         case Control::Edit:
@@ -81,11 +81,13 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                 e->setInputMask(QStringLiteral("99/99/9999; "));
                 e->setFixedWidth(textWidth(fm, QStringLiteral("00/00/00000")));
             } else if (def.type == FieldType::Text) {
+                // Room for a few characters at least, for all of them at most;
+                // the page shares what is left between the text fields.
                 if (def.maxLength > 0) e->setMaxLength(def.maxLength);
-                const int chars = std::clamp(def.maxLength, 4, 30);
-                e->setMinimumWidth(fm.averageCharWidth() * chars * 3 / 4 + 8);
-                if (def.maxLength > 30) e->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-                else e->setMaximumWidth(fm.averageCharWidth() * chars + 8);
+                const int chars = def.maxLength > 0 ? def.maxLength : 30;
+                e->setMinimumWidth(fm.averageCharWidth() * std::min(chars, 6) + 10);
+                e->setMaximumWidth(fm.averageCharWidth() * chars * 11 / 10 + 12);
+                e->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
             } else {
                 numberLook(e);
                 const bool narrow = def.type == FieldType::Count || def.display == Display::Plain;

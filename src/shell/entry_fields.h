@@ -27,9 +27,11 @@ struct FieldWidget {
     QAbstractButton* button = nullptr;
     QComboBox* combo = nullptr;
     QButtonGroup* group = nullptr;  // the option group, set by the page
-    // Texts beside the field, in reading order: before it (its caption, the
-    // line code) and after it (a fixed prefix of the number, a second caption).
+    // Texts beside the field, in reading order: before it (its caption) and
+    // after it (a fixed prefix of the number, a second caption); its line code
+    // ("150:"), which the page aligns in a column of its own.
     std::vector<QWidget*> before, after;
+    QWidget* code = nullptr;
 };
 
 // The height of one row of fields in `font`.

@@ -135,10 +135,13 @@ void EntryPage::build() {
         head->addStretch(1);
         outer->addLayout(head);
 
+        // Grid columns: 0 the row captions, then for each column of the block
+        // the line codes and the fields.
         auto* grid = new QGridLayout;
-        grid->setHorizontalSpacing(6);
+        grid->setHorizontalSpacing(4);
         grid->setVerticalSpacing(1);
         const int columns = static_cast<int>(block.columns.size());
+        const int lastColumn = std::max(2 * columns, 1);
         int r = 0;
         if (columns > 0) {
             bool subs = false;
@@ -146,11 +149,11 @@ void EntryPage::build() {
                 const ColumnHead& h = block.columns[static_cast<std::size_t>(j)];
                 QLabel* l = label(QString::fromUtf8(h.text.screen), this);
                 l->setAlignment(Qt::AlignCenter);
-                grid->addWidget(l, r, 1 + j);
+                grid->addWidget(l, r, 1 + 2 * j, 1, 2);
                 if (*h.sub) {
                     QLabel* sub = label(QString::fromUtf8(h.sub), this);
                     sub->setAlignment(Qt::AlignCenter);
-                    grid->addWidget(sub, r + 1, 1 + j);
+                    grid->addWidget(sub, r + 1, 1 + 2 * j, 1, 2);
                     subs = true;
                 }
             }
@@ -160,42 +163,47 @@ void EntryPage::build() {
             if (!onScreen(row.medium)) continue;
             const QString caption = QString::fromUtf8(row.caption.screen);
             if (row.cells.empty()) {
-                grid->addWidget(label(caption, this), r, 0, 1, columns + 1);
+                grid->addWidget(label(caption, this), r, 0, 1, lastColumn + 1);
                 ++r;
                 continue;
             }
             if (!caption.isEmpty()) grid->addWidget(label(caption, this), r, 0);
-            std::map<int, QHBoxLayout*> boxes;  // by column, -1 spanning them all
+            std::map<int, QHBoxLayout*> boxes;  // by column of the block, -1 spanning them all
             for (const EntryCell& cell : row.cells) {
                 if (!onScreen(cell.medium) || !cell.field) continue;
                 int j = -1;
                 for (int k = 0; k < columns; ++k)
                     if (block.columns[static_cast<std::size_t>(k)].column == cell.column) j = k;
-                QHBoxLayout*& box = boxes[j];
-                if (!box) {
-                    box = new QHBoxLayout;
-                    box->setSpacing(3);
-                    if (j >= 0)
-                        grid->addLayout(box, r, 1 + j);
-                    else
-                        grid->addLayout(box, r, 1, 1, std::max(columns, 1));
-                }
                 const FieldDef* def = findField(sectionDef(section_).name, cell.field);
                 Slot& s = slotFor(def);
                 s.cell = &cell;
                 s.row = &row;
                 s.w = makeFieldWidget(*def, cell, this);
+                QHBoxLayout*& box = boxes[j];
+                if (!box) {
+                    box = new QHBoxLayout;
+                    box->setSpacing(3);
+                    if (j >= 0) {
+                        grid->addLayout(box, r, 2 + 2 * j);
+                        if (s.w.code) grid->addWidget(s.w.code, r, 1 + 2 * j);
+                        s.w.code = nullptr;
+                    } else {
+                        grid->addLayout(box, r, 1, 1, lastColumn);
+                    }
+                } else {
+                    box->addSpacing(10);
+                }
+                if (s.w.code) box->addWidget(s.w.code);
                 for (QWidget* piece : s.w.before) box->addWidget(piece);
-                box->addWidget(s.w.widget);
+                // Text fields take the room the row leaves, up to their own length.
+                box->addWidget(s.w.widget, s.w.widget->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding ? 10 : 0);
                 for (QWidget* piece : s.w.after) box->addWidget(piece);
             }
-            for (auto& [j, box] : boxes) {
-                if (j < 0 || columns == 0) box->addStretch(1);
-            }
+            for (auto& entry : boxes) entry.second->addStretch(1);
             grid->setRowMinimumHeight(r, rowHeight);
             ++r;
         }
-        grid->setColumnStretch(0, 1);
+        for (int c = 1; c <= lastColumn; ++c) grid->setColumnStretch(c, c % 2 == 0 ? 1 : 0);
         outer->addLayout(grid);
     }
     outer->addStretch(1);

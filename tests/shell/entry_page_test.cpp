@@ -1,0 +1,386 @@
+#include "shell/entry_page.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+#include <algorithm>
+#include <memory>
+#include <ostream>
+
+#include "report/entry_layout.h"
+#include "shell/messages.h"
+#include "support/report_generator.h"
+
+// Readable failure messages.
+inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
+
+namespace zelmor::shell {
+namespace {
+
+constexpr SectionId kAllSections[] = {SectionId::Pratim,  SectionId::Yegia,  SectionId::Rechush,
+                                      SectionId::Pturot,  SectionId::Nikuim, SectionId::Nekudot,
+                                      SectionId::Zikuim,  SectionId::Tashlumim, SectionId::Klaliim};
+
+const char* nameOf(SectionId s) { return sectionDef(s).name; }
+
+class EntryPageTest : public ::testing::Test {
+protected:
+    void open(SectionId section) {
+        page = std::make_unique<EntryPage>(section, &report);
+        page->var2Map(report);
+        page->show();
+        page->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(page.get()));
+        page->focusFirst();
+    }
+    QWidget* field(const char* name) const {
+        QWidget* w = page->fieldWidget(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    QLineEdit* edit(const char* name) const { return qobject_cast<QLineEdit*>(field(name)); }
+    QComboBox* combo(const char* name) const { return qobject_cast<QComboBox*>(field(name)); }
+    QString focused() const { return QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString(); }
+    QString textOf(const char* name) const { return edit(name)->text(); }
+
+    // Puts the focus in the field (leaving the one before it), replaces its text, then presses Enter.
+    void enter(const char* name, const QString& text) {
+        QWidget* w = field(name);
+        w->setFocus(Qt::TabFocusReason);
+        ASSERT_EQ(focused(), QString::fromLatin1(name));
+        edit(name)->selectAll();
+        QTest::keyClicks(w, text);
+        QTest::keyClick(w, Qt::Key_Return);
+    }
+
+    MessageRecorder messages;
+    NishumInput report;
+    std::unique_ptr<EntryPage> page;
+};
+
+// The entry fields of a section in the order of their tab places.
+std::vector<QString> tabPlaces(SectionId section) {
+    std::vector<const FieldDef*> defs;
+    for (const FieldDef& f : sectionFields(section))
+        if (f.tab >= 0 && f.control != Control::Total) defs.push_back(&f);
+    std::stable_sort(defs.begin(), defs.end(), [](auto* a, auto* b) { return a->tab < b->tab; });
+    std::vector<QString> names;
+    for (const FieldDef* f : defs) names.push_back(QString::fromLatin1(f->name));
+    return names;
+}
+
+TEST_F(EntryPageTest, EnterVisitsEveryFieldOnceInTabOrderAndWraps) {
+    for (SectionId s : kAllSections) {
+        SCOPED_TRACE(nameOf(s));
+        open(s);
+        const std::vector<QString> expected = tabPlaces(s);
+        std::vector<QString> visited;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            visited.push_back(focused());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }
+        EXPECT_EQ(visited, expected);
+        EXPECT_EQ(focused(), expected.front());  // wrapped from the last to the first
+        EXPECT_TRUE(messages.shown.empty());
+    }
+}
+
+TEST_F(EntryPageTest, BadAmountKeepsTheFocusAndTheText) {
+    open(SectionId::Yegia);
+    enter("N150", QStringLiteral("12x"));
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(messages.shown[0].text, QStringLiteral("סכום לא חוקי"));
+    EXPECT_EQ(messages.shown[0].title, QStringLiteral("Orvanta"));
+    EXPECT_EQ(messages.shown[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(focused(), QStringLiteral("N150"));
+    EXPECT_EQ(textOf("N150"), QStringLiteral("12x"));
+
+    // Leaving another way (Tab, or a command asking first) meets the same check.
+    QTest::keyClick(field("N150"), Qt::Key_Tab);
+    EXPECT_EQ(focused(), QStringLiteral("N150"));
+    EXPECT_FALSE(page->leaveCurrent());
+    EXPECT_EQ(messages.shown.size(), 3u);
+    NishumInput n;
+    EXPECT_FALSE(page->map2Var(n));
+
+    // Fixed, it shows its display form and the focus moves on.
+    enter("N150", QStringLiteral("2.5"));
+    EXPECT_EQ(textOf("N150"), QStringLiteral("3"));
+    EXPECT_EQ(focused(), QStringLiteral("N250"));
+    EXPECT_TRUE(page->leaveCurrent());
+    ASSERT_TRUE(page->map2Var(n));
+    EXPECT_EQ(n.Yegia.N150, Amount(3));
+}
+
+TEST_F(EntryPageTest, BadDateAndCountBringTheirMessages) {
+    open(SectionId::Nekudot);
+    enter("N023", QStringLiteral("40000"));
+    EXPECT_EQ(messages.lastText(), QStringLiteral("מספר לא חוקי"));
+    EXPECT_EQ(focused(), QStringLiteral("N023"));
+    enter("N023", QStringLiteral("2"));
+    enter("OleDateM", QStringLiteral("31022015"));
+    EXPECT_EQ(messages.lastText(), QStringLiteral("תאריך לא חוקי"));
+    EXPECT_EQ(focused(), QStringLiteral("OleDateM"));
+    enter("OleDateM", QStringLiteral("01022015"));
+    EXPECT_EQ(textOf("OleDateM"), QStringLiteral("01/02/2015"));
+    EXPECT_EQ(messages.shown.size(), 2u);
+}
+
+TEST_F(EntryPageTest, DisabledCeiling) {
+    open(SectionId::Pturot);
+    enter("Kizva", QStringLiteral("100"));
+    enter("N109", QStringLiteral("614401"));
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_TRUE(messages.lastText().contains(QStringLiteral("614,400")));
+    EXPECT_EQ(messages.shown[0].title, QStringLiteral("Orvanta"));
+    EXPECT_EQ(focused(), QStringLiteral("N109"));
+    EXPECT_EQ(textOf("N209"), QStringLiteral("100"));  // not refreshed by a refused value
+
+    enter("N109", QStringLiteral("614400"));
+    EXPECT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(focused(), QStringLiteral("N309"));
+    EXPECT_EQ(textOf("N209"), QStringLiteral("614,500"));
+
+    // Clearing the field lowers the total at once.
+    enter("N109", QString());
+    EXPECT_EQ(textOf("N209"), QStringLiteral("100"));
+}
+
+TEST_F(EntryPageTest, InsuredIncomeAgainstTheStoredSalaries) {
+    report.Yegia.N158 = 100000;
+    report.Yegia.N068 = 20000;
+    open(SectionId::Nikuim);
+    enter("N244", QStringLiteral("120001"));
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(messages.lastText(), QStringLiteral("הכנסה מבוטחת גבוהה מהמשכורת, נא להזין סכום נמוך מ 120,000"));
+    EXPECT_EQ(focused(), QStringLiteral("N244"));
+    enter("N244", QStringLiteral("120000"));
+    EXPECT_EQ(messages.shown.size(), 1u);
+    EXPECT_NE(focused(), QStringLiteral("N244"));
+    // The spouse has no salary: any value is refused.
+    enter("N245", QStringLiteral("1"));
+    EXPECT_EQ(messages.lastText(), QStringLiteral("הכנסה מבוטחת גבוהה מהמשכורת, נא להזין סכום נמוך מ 0"));
+}
+
+TEST_F(EntryPageTest, TotalsFollowTheirFields) {
+    open(SectionId::Yegia);
+    enter("N150", QStringLiteral("1000"));
+    enter("N358", QStringLiteral("2,000"));
+    enter("N172", QStringLiteral("5"));
+    EXPECT_EQ(textOf("TTLM"), QStringLiteral("3,000"));
+    EXPECT_EQ(textOf("TTLF"), QStringLiteral("5"));
+    // A sum beyond the range blanks the first total of the page.
+    enter("N250", QStringLiteral("2147483647"));
+    EXPECT_EQ(textOf("TTLM"), QString());
+    EXPECT_TRUE(messages.shown.empty());
+    NishumInput n;
+    EXPECT_FALSE(page->map2Var(n));  // no stale total is stored either
+
+    report = {};
+    open(SectionId::Pturot);
+    enter("Dira", QStringLiteral("700"));
+    enter("Acherot", QStringLiteral("300"));
+    EXPECT_EQ(textOf("N209"), QStringLiteral("1,000"));
+
+    open(SectionId::Tashlumim);
+    enter("TashlumimM", QStringLiteral("500"));
+    enter("TashlumimF", QStringLiteral("700"));
+    enter("N294M", QStringLiteral("9000"));
+    enter("N042F", QStringLiteral("100"));
+    EXPECT_EQ(textOf("Tashlumim"), QStringLiteral("1,200"));
+    EXPECT_EQ(textOf("TashTTLM"), QStringLiteral("500"));
+    EXPECT_EQ(textOf("TashTTLF"), QStringLiteral("800"));
+    EXPECT_EQ(textOf("TashTTL"), QStringLiteral("1,300"));  // the turnover is no payment
+    EXPECT_EQ(textOf("N294"), QStringLiteral("9,000"));
+    ASSERT_TRUE(page->map2Var(n));
+    EXPECT_EQ(n.Tashlumim.TashTTL, Amount(1300));
+}
+
+TEST_F(EntryPageTest, RateListOfLine73FollowsTheSettlement) {
+    open(SectionId::Zikuim);
+    QComboBox* first = combo("N093");
+    QComboBox* rates = combo("N093Rate");
+    auto entries = [&] {
+        QStringList l;
+        for (int i = 0; i < rates->count(); ++i) l << rates->itemText(i);
+        return l;
+    };
+    EXPECT_EQ(rates->count(), 0);
+    first->setCurrentIndex(1);
+    EXPECT_EQ(entries(), (QStringList{"13", "25"}));
+    rates->setCurrentIndex(1);
+    first->setCurrentIndex(2);
+    EXPECT_EQ(entries(), (QStringList{"13", "16", "20", "25"}));
+    EXPECT_EQ(rates->currentText(), QStringLiteral("13"));
+    first->setCurrentIndex(1);
+    EXPECT_EQ(rates->count(), 2);
+    first->setCurrentIndex(0);
+    EXPECT_EQ(rates->count(), 0);
+    NishumInput n;
+    n.Zikuim.N093Rate = 25;
+    ASSERT_TRUE(page->map2Var(n));
+    EXPECT_EQ(n.Zikuim.N093, 0);
+    EXPECT_EQ(n.Zikuim.N093Rate, 0);
+    EXPECT_EQ(n.Zikuim.N093Month, 12);
+
+    // A stored rate that the list lacks shows its first entry.
+    report.Zikuim.N193 = 1;
+    report.Zikuim.N193Rate = 16;
+    report.Zikuim.N193Month = 0;
+    page->var2Map(report);
+    EXPECT_EQ(combo("N193Rate")->currentText(), QStringLiteral("13"));
+    EXPECT_EQ(combo("N193Month")->currentText(), QStringLiteral("12"));
+}
+
+TEST_F(EntryPageTest, DegreeListWidensWhileFocused) {
+    open(SectionId::Nekudot);
+    QComboBox* degree = combo("N181");
+    const int narrow = degree->width();
+    degree->setFocus(Qt::TabFocusReason);
+    EXPECT_GT(degree->width(), narrow);
+    QTest::keyClick(degree, Qt::Key_Return);
+    EXPECT_EQ(degree->width(), narrow);
+    report.Nekudot.N181 = 5;
+    page->var2Map(report);
+    EXPECT_EQ(degree->currentText(), QStringLiteral("9 - 2 תארים שונים"));
+}
+
+TEST_F(EntryPageTest, FemaleWordingOfTheMaritalOptions) {
+    open(SectionId::Pratim);
+    auto caption = [&](const char* name) { return qobject_cast<QAbstractButton*>(field(name))->text(); };
+    EXPECT_EQ(caption("isNasuy"), QStringLiteral("נשוי"));
+    qobject_cast<QAbstractButton*>(field("isFemale"))->click();
+    EXPECT_EQ(caption("isRavak"), QStringLiteral("רווקה"));
+    EXPECT_EQ(caption("isNasuy"), QStringLiteral("נשואה"));
+    EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמנה"));
+    EXPECT_EQ(caption("isGarush"), QStringLiteral("גרושה/פרודה"));
+    qobject_cast<QAbstractButton*>(field("isMale"))->click();
+    EXPECT_EQ(caption("isGarush"), QStringLiteral("גרוש/פרוד"));
+
+    // Showing a report counts as choosing; with neither chosen the wording stays.
+    report.Pratim.isFemale = true;
+    page->var2Map(report);
+    EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמנה"));
+    report.Pratim.isFemale = false;
+    page->var2Map(report);
+    EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמנה"));
+    EXPECT_FALSE(qobject_cast<QAbstractButton*>(field("isFemale"))->isChecked());
+    report.Pratim.isMale = true;
+    page->var2Map(report);
+    EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמן"));
+}
+
+TEST_F(EntryPageTest, PageKeysFromAnyField) {
+    open(SectionId::Pratim);
+    QSignalSpy spy(page.get(), &EntryPage::pageKey);
+    QTest::keyClick(field("BirthDateM"), Qt::Key_PageDown);
+    QTest::keyClick(field("isMale"), Qt::Key_PageUp);
+    ASSERT_EQ(spy.count(), 2);
+    EXPECT_EQ(spy[0][0].toInt(), int(Qt::Key_PageDown));
+    EXPECT_EQ(spy[1][0].toInt(), int(Qt::Key_PageUp));
+}
+
+// Each section of a generated report goes to the screen and back unchanged.
+TEST_F(EntryPageTest, ScreenRoundTripOfGeneratedReports) {
+    testing::ReportGenerator gen(20151);
+    for (int i = 0; i < 20; ++i) {
+        const NishumInput r = gen.next();
+        NishumInput expected = r;
+        for (auto* z : {&expected.Zikuim.N093Month, &expected.Zikuim.N193Month})
+            if (*z == 0) *z = 12;  // no months shows, and is kept as, the whole year
+        for (SectionId s : kAllSections) {
+            SCOPED_TRACE(nameOf(s));
+            EntryPage p(s, &r);
+            p.var2Map(r);
+            NishumInput back;
+            ASSERT_TRUE(p.map2Var(back));
+            for (const FieldDef& f : sectionFields(s)) {
+                const std::string name = f.name;
+                switch (f.type) {
+                    case FieldType::Text: EXPECT_EQ(f.ref<std::string>(back), f.ref<std::string>(expected)) << name; break;
+                    case FieldType::Date: EXPECT_EQ(f.ref<Date>(back), f.ref<Date>(expected)) << name; break;
+                    case FieldType::Boolean: EXPECT_EQ(f.ref<bool>(back), f.ref<bool>(expected)) << name; break;
+                    case FieldType::Amount: EXPECT_EQ(f.ref<Amount>(back), f.ref<Amount>(expected)) << name; break;
+                    case FieldType::Number: EXPECT_EQ(f.ref<std::int32_t>(back), f.ref<std::int32_t>(expected)) << name; break;
+                    case FieldType::Count: EXPECT_EQ(f.ref<std::int16_t>(back), f.ref<std::int16_t>(expected)) << name; break;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(EntryPageTest, RawTextsComeBackAsTyped) {
+    open(SectionId::Yegia);
+    QMap<QString, QString> texts = page->rawTexts();
+    texts[QStringLiteral("N150")] = QStringLiteral("12x");
+    texts[QStringLiteral("N250")] = QStringLiteral("1,234");
+    page->setRawTexts(texts);
+    EXPECT_EQ(page->rawTexts(), texts);
+    NishumInput n;
+    EXPECT_FALSE(page->map2Var(n));  // unchecked text is never parsed
+
+    open(SectionId::Zikuim);
+    texts = page->rawTexts();
+    texts[QStringLiteral("N093")] = QStringLiteral("2");
+    texts[QStringLiteral("N093Rate")] = QStringLiteral("3");
+    page->setRawTexts(texts);
+    EXPECT_EQ(combo("N093Rate")->currentText(), QStringLiteral("25"));
+}
+
+TEST_F(EntryPageTest, AccessibleNamesTellTheColumnsApart) {
+    for (SectionId s : kAllSections) {
+        SCOPED_TRACE(nameOf(s));
+        EntryPage p(s, &report);
+        QStringList names;
+        for (QWidget* w : p.tabOrder()) {
+            EXPECT_FALSE(w->accessibleName().isEmpty()) << w->objectName().toStdString();
+            names << w->accessibleName();
+        }
+        names.removeDuplicates();
+        EXPECT_EQ(names.size(), static_cast<qsizetype>(p.tabOrder().size()));
+    }
+}
+
+// Nothing of any page lies outside it or is cut short.
+TEST_F(EntryPageTest, EveryPageFitsItsArea) {
+    for (SectionId s : kAllSections) {
+        SCOPED_TRACE(nameOf(s));
+        open(s);
+        const QRect area = page->rect();
+        EXPECT_EQ(area.size(), EntryPage::childSize());
+        for (QWidget* w : page->findChildren<QWidget*>()) {
+            if (!w->isVisible() || w->isWindow()) continue;
+            const QRect r(w->mapTo(page.get(), QPoint(0, 0)), w->size());
+            EXPECT_TRUE(area.contains(r)) << w->objectName().toStdString() << " " << w->metaObject()->className();
+            if (auto* l = qobject_cast<QLabel*>(w)) {
+                EXPECT_GE(l->width(), l->sizeHint().width()) << l->text().toStdString();
+            }
+            if (auto* b = qobject_cast<QAbstractButton*>(w)) {
+                EXPECT_GE(b->width(), b->sizeHint().width()) << b->text().toStdString();
+            }
+        }
+        // No text or field covers another.
+        const QList<QWidget*> parts = page->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        for (qsizetype i = 0; i < parts.size(); ++i)
+            for (qsizetype k = i + 1; k < parts.size(); ++k)
+                if (parts[i]->isVisible() && parts[k]->isVisible()) {
+                    EXPECT_FALSE(parts[i]->geometry().intersects(parts[k]->geometry()))
+                        << parts[i]->objectName().toStdString() << " / " << parts[k]->objectName().toStdString();
+                }
+        const QString dir = qEnvironmentVariable("ZELMOR_ENTRY_SHOTS");
+        if (!dir.isEmpty()) {
+            QDir().mkpath(dir);
+            page->grab().save(dir + QStringLiteral("/%1-%2.png").arg(int(s)).arg(QLatin1String(nameOf(s))));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace zelmor::shell
