@@ -111,7 +111,7 @@ const SheetHead kMeyuchadHeadsF[] = {
     {.text = "שעור", .box = {680, 790}, .paperColumn = 65},
     {.text = "סכום המס", .box = {800, 950}, .paperColumn = 75},
 };
-constexpr Boxes kMeyuchadSlots{Box{260, 370}, {430, 530}, {550, 670}, {700, 740}, {800, 950}};
+constexpr Boxes kMeyuchadSlots{Box{260, 370}, {430, 530}, {550, 670}, {705, 728}, {800, 950}};
 constexpr Decor kMeyuchadDecor{SlotDecor{.onlyWithSlot = 1}, {.before = "בניכוי", .onlyWithSlot = 1}, {},
                                {.before = "X", .after = "% ="}, {}};
 const BlockLayout kMeyuchadBlocks[] = {

@@ -240,11 +240,13 @@ void SheetCanvas::resizeEvent(QResizeEvent* e) {
 }
 
 void SheetCanvas::relayout() {
-    const double w = width();
+    // The boxes share the width inside a small margin on either side.
+    const int margin = static_cast<int>(rowPx() / 2);
+    const double w = std::max(1, width() - 2 * margin);
     const int row = static_cast<int>(rowPx());
     for (const Item& item : items_) {
-        const int right = static_cast<int>(std::lround(w * (1000 - item.box.from) / 1000.0));
-        const int left = static_cast<int>(std::lround(w * (1000 - item.box.to) / 1000.0));
+        const int right = margin + static_cast<int>(std::lround(w * (1000 - item.box.from) / 1000.0));
+        const int left = margin + static_cast<int>(std::lround(w * (1000 - item.box.to) / 1000.0));
         const int h = item.height > 0 ? item.height : row;
         const int y = static_cast<int>(std::lround(item.top));
         const QVariant anchor = item.widget->property("anchor");

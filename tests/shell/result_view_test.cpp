@@ -320,7 +320,8 @@ TEST_F(ResultViewTest, CtrlCCopiesTheSheetAsTabSeparatedText) {
 TEST_F(ResultViewTest, DISABLED_Screenshots) {
     const QString dir = qEnvironmentVariable("ZELMOR_SHEET_SHOTS", QStringLiteral("/tmp/sheets"));
     for (const auto& [name, path] : {std::pair{"couple", ZELMOR_SOURCE_DIR "/examples/couple.json"},
-                                     std::pair{"joint", ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json"}}) {
+                                     std::pair{"joint", ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json"},
+                                     std::pair{"special", ZELMOR_SOURCE_DIR "/tests/golden/reports/fixed-rate-income.json"}}) {
         show(calc(QString::fromUtf8(path)));
         for (int page = 1; page <= 8; ++page) {
             view->goSheet(page);
