@@ -31,7 +31,7 @@ public:
     const SheetRow& row(const char* key) const { return *findSheetRow(sheet_, key); }
 
     QString caption(const SheetRow& r) const {
-        return QString::fromStdString(rowCaption(out_, sheet_, r, Medium::Paper, params_));
+        return QString::fromStdString(rowCaption(out_, sheet_, r, SheetMedium::Paper, params_));
     }
 
     // The common head of a sheet: the title two points larger, a heavy rule.

@@ -266,9 +266,9 @@ std::string exemptionText(const sheets::CMain& main) {
     return main.PtorRibit.value() != 0 ? "בניכוי פטור " + FormatAmount(main.PtorRibit.value()) : std::string();
 }
 
-std::string rowCaption(const NishumOutput& out, SheetId sheet, const SheetRow& row, Medium medium,
+std::string rowCaption(const NishumOutput& out, SheetId sheet, const SheetRow& row, SheetMedium medium,
                        const SheetParams& params) {
-    std::string caption = medium == Medium::Screen ? row.screenCaption : row.paperCaption;
+    std::string caption = medium == SheetMedium::Screen ? row.screenCaption : row.paperCaption;
     if (row.rate != RowRate::None) return caption + percentText(blRate(params, row.rate));
     if (sheet == SheetId::CHishuv && !row.total) {
         // A bracket row is captioned by its rate; the key is the bracket's number.
@@ -277,7 +277,7 @@ std::string rowCaption(const NishumOutput& out, SheetId sheet, const SheetRow& r
     }
     // On paper the date of an interest or balance row follows its caption;
     // on screen it stands in a field of its own.
-    if (medium == Medium::Paper && row.fields[3] && sheet == SheetId::CMain) {
+    if (medium == SheetMedium::Paper && row.fields[3] && sheet == SheetId::CMain) {
         caption += dateOf(out, sheet, row.fields[3]);
         if (std::string_view(row.key) == "Ribit" && out.Main.PtorRibit.value() != 0)
             caption += " " + exemptionText(out.Main);

@@ -106,12 +106,12 @@ int cellDecimals(SheetId sheet, const SheetRow& row, int slot);
 // The text of a cell: its field through the amount format with its decimals.
 std::string cellText(const NishumOutput& out, SheetId sheet, const SheetRow& row, int slot);
 
-enum class Medium { Screen, Paper };
+enum class SheetMedium { Screen, Paper };
 
 // The caption of a row, with what is made from values: the interest date (and
 // the exemption, on paper), the date of the balance, a national insurance
 // rate, a bracket's rate (a bracket row has no caption of its own).
-std::string rowCaption(const NishumOutput& out, SheetId sheet, const SheetRow& row, Medium medium,
+std::string rowCaption(const NishumOutput& out, SheetId sheet, const SheetRow& row, SheetMedium medium,
                        const SheetParams& params);
 // The screen's exemption text beside the interest ("" when there is no exemption).
 std::string exemptionText(const sheets::CMain& main);

@@ -136,7 +136,7 @@ void SheetCanvas::addRow(const SheetRow& row, double top) {
         if (row.fields[static_cast<std::size_t>(slot)] && cell.from > captionBox.from && cell.from < captionBox.to)
             captionBox.to = static_cast<short>(cell.from - 5);
     }
-    const QString caption = q(rowCaption(result_.out, sheet_, row, Medium::Screen, params_));
+    const QString caption = q(rowCaption(result_.out, sheet_, row, SheetMedium::Screen, params_));
     QStringList line{caption};
     if (!caption.isEmpty()) {
         addLabel(caption, captionBox, top, row.total, false,
