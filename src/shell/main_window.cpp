@@ -2,16 +2,23 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QGuiApplication>
+#include <QUrl>
 #include <QMenuBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "core/values.h"
 #include "shell/app_storage.h"
+#include "shell/dlg_doch_list.h"
+#include "shell/dlg_name.h"
+#include "shell/dlg_pnia.h"
+#include "shell/dlg_sim.h"
 #include "shell/draft_store.h"
 #include "shell/entry_page.h"
 #include "shell/messages.h"
 #include "shell/result_view.h"
+#include "shell/tools.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
@@ -105,12 +112,13 @@ void MainWindow::buildMenus() {
     connect(addEntry(doch, "mnuDochSave", u("&שמור דו\"ח"), QKeySequence(Qt::CTRL | Qt::Key_S)), &QAction::triggered,
             this, [this] { saveReport(); });
     doch->addSeparator();
-    // The taxpayer list and the print dialog read the fields first.
-    connect(addEntry(doch, "mnuDochList", u("&רשימת נישומים")), &QAction::triggered, this, [this] { takeScreen(); });
+    connect(addEntry(doch, "mnuDochList", u("&רשימת נישומים")), &QAction::triggered, this,
+            &MainWindow::openFromList);
     doch->addSeparator();
     connect(addEntry(doch, "mnuDochPrint", u("&הדפסה..."), QKeySequence(Qt::CTRL | Qt::Key_P)), &QAction::triggered,
             this, [this] { takeScreen(); });
-    addEntry(doch, "mnuDochPnia", u("&נוסח פניה..."));
+    connect(addEntry(doch, "mnuDochPnia", u("&נוסח פניה...")), &QAction::triggered, this,
+            [this] { PniaDialog(options_.dataDir, this).exec(); });
     doch->addSeparator();
     connect(addEntry(doch, "mnuDochExit", u("יציאה")), &QAction::triggered, this, &QWidget::close);
 
@@ -139,12 +147,16 @@ void MainWindow::buildMenus() {
             this, [this] { calculate(1); });
     QMenu* income = mnuCalc_->addMenu(u("חישוב הכנסה ע\"פ תשלומים"));
     income->menuAction()->setObjectName("mnuCalcIncome");
-    addEntry(income, "mnuIncomeMas", u("קביעת ההכנסה מעסק ע\"פ המס ששולם בפועל"));
-    addEntry(income, "mnuIncomeItra", u("קביעת הכנסה ע\"פ יתרה לתשלום (להחזר)"));
+    connect(addEntry(income, "mnuIncomeMas", u("קביעת ההכנסה מעסק ע\"פ המס ששולם בפועל")), &QAction::triggered,
+            this, [this] { solve(SimQuestion::IncomeForTaxPaid); });
+    connect(addEntry(income, "mnuIncomeItra", u("קביעת הכנסה ע\"פ יתרה לתשלום (להחזר)")), &QAction::triggered,
+            this, [this] { solve(SimQuestion::IncomeForBalance); });
     QMenu* change = mnuCalc_->addMenu(u("שינויים בהכנסה ובתשלומים"));
     change->menuAction()->setObjectName("mnuCalcChangeIncome");
-    addEntry(change, "mnuIncomeChange", u("שינויים בהכנסה"));
-    addEntry(change, "mnuMasChange", u("שינויים בתשלומי מס"));
+    connect(addEntry(change, "mnuIncomeChange", u("שינויים בהכנסה")), &QAction::triggered, this,
+            [this] { solve(SimQuestion::IncomeChange); });
+    connect(addEntry(change, "mnuMasChange", u("שינויים בתשלומי מס")), &QAction::triggered, this,
+            [this] { solve(SimQuestion::TaxChange); });
     connect(addEntry(mnuCalc_, "mnuCalcBL", u("חישוב ביטוח לאומי"), QKeySequence(Qt::Key_F11)), &QAction::triggered,
             this, [this] { calculate(8); });
 
@@ -157,12 +169,23 @@ void MainWindow::buildMenus() {
 
     QMenu* tools = bar->addMenu(u("ע&זרים"));
     tools->menuAction()->setObjectName("mnuTools");
-    addEntry(tools, "mnuSite", u("Zelmor - אתר &אינטרנט"), QKeySequence(Qt::CTRL | Qt::Key_I));
+    connect(addEntry(tools, "mnuSite", u("Zelmor - אתר &אינטרנט"), QKeySequence(Qt::CTRL | Qt::Key_I)),
+            &QAction::triggered, this, [] { tools::openWebSite(); });
     addEntry(tools, "mnuToolsMadadim", u("&טבלת מדדים"), QKeySequence(Qt::Key_F9));
-    addEntry(tools, "mnuToolsT6111", u("טו&פס 6111"), QKeySequence(Qt::CTRL | Qt::Key_F6));
-    addEntry(tools, "mnuUpdateTables", u("עדכון טבלאות מאתר Zelmor"));
-    addEntry(tools, "mnuToolsCalc", u("מ&חשבון"));
-    addEntry(tools, "mnuToolsName", u("שי&נוי שם משתמש"));
+    connect(addEntry(tools, "mnuToolsT6111", u("טו&פס 6111"), QKeySequence(Qt::CTRL | Qt::Key_F6)),
+            &QAction::triggered, this, [this] {
+                // An id just typed on page 1 counts.
+                if (takeScreen())
+                    tools::startForm6111(this, options_.dataDir, QString::fromStdString(report_.NishumID()));
+            });
+    connect(addEntry(tools, "mnuUpdateTables", u("עדכון טבלאות מאתר Zelmor")), &QAction::triggered, this,
+            &MainWindow::updateTables);
+    QAction* calc = addEntry(tools, "mnuToolsCalc", u("מ&חשבון"));
+    connect(calc, &QAction::triggered, this, [calc] {
+        if (!tools::startCalculator()) calc->setVisible(false);  // for the rest of the run
+    });
+    connect(addEntry(tools, "mnuToolsName", u("שי&נוי שם משתמש")), &QAction::triggered, this,
+            [this] { NameDialog(options_.dataDir, this).exec(); });
 
     // In result mode F2 leads back to the entry page and F11 to the national
     // insurance sheet, from whatever control of the sheets has the focus.
@@ -323,6 +346,42 @@ void MainWindow::calculate(int sheet) {
 
 void MainWindow::goSheet(int sheet) {
     if (results_ && !editMode()) results_->goSheet(sheet);
+}
+
+void MainWindow::openFromList() {
+    if (!takeScreen()) return;
+    DochListDialog list(db(), this);
+    if (list.exec() == QDialog::Accepted && !list.chosenId().isEmpty()) {
+        const storage::StoreOutcome outcome = db().openNishum(list.chosenId().toStdString(), report_);
+        showStoreOutcome(this, StoreStep::Open, outcome);
+        if (outcome.ok) drafts_->remove();  // the report in hand is the stored one
+    }
+    enterEditMode(1);
+}
+
+void MainWindow::solve(SimQuestion question) {
+    if (!editMode() || !takeScreen()) return;
+    const MadadTable* table = madad();
+    if (!table) return;
+    SimDialog dialog(question, report_, constants_, *table, options_.today, this);
+    if (dialog.exec() == QDialog::Accepted) {
+        // The answer's income went into the fields: the page shows them again.
+        showPage(currentPage_);
+        writeDraft();
+    }
+}
+
+void MainWindow::updateTables() {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (!madad_) madad_ = std::make_unique<MadadTable>(options_.dataDir);
+    // Whatever fails on the way, the user is told how far the tables reach.
+    if (const QString address = tools::updateAddress(); !address.isEmpty()) {
+        QString message;
+        madad_->UpdateMadadTable(QUrl(address), &message);
+    }
+    const QString month = madad_->LastUpdateMonth();
+    QGuiApplication::restoreOverrideCursor();
+    showMessage(this, MsgIcon::Information, u("עדכון מדדים"), u("טבלאות מדדים וסכומים מעודכנות לחודש ") + month);
 }
 
 void MainWindow::writeDraft() {

@@ -11,6 +11,7 @@
 
 #include "core/date.h"
 #include "engine/calc.h"
+#include "engine/solve.h"
 #include "report/nishum_input.h"
 
 class QAction;
@@ -64,6 +65,9 @@ public:
     void calculate(int sheet = 1);
     void backToEditing();
     void goSheet(int sheet);
+    void openFromList();
+    void solve(SimQuestion question);
+    void updateTables();
     // Writes the draft now: the fields and the texts of the page on show.
     void writeDraft();
 
