@@ -62,21 +62,48 @@ DraftStore::DraftStore(const QString& dataDir) : path_(QDir(dataDir).filePath(QL
     // however long it has been held.
     lock->setStaleLockTime(0);
     if (lock->tryLock(0)) lock_ = std::move(lock);
+    writer_.setMaxThreadCount(1);  // one writer: the drafts reach the disk in their order
 }
 
-DraftStore::~DraftStore() = default;
+DraftStore::~DraftStore() { flush(); }
 
-bool DraftStore::exists() const { return enabled() && QFile::exists(path_); }
+bool DraftStore::exists() {
+    flush();
+    return enabled() && QFile::exists(path_);
+}
 
 bool DraftStore::write(const Draft& draft) {
     if (!enabled()) return false;
-    QSaveFile file(path_);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(draftText(draft));
-    return file.commit();
+    QByteArray text = draftText(draft);
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        const bool writerCalled = waiting_.has_value();
+        waiting_ = std::move(text);
+        if (writerCalled) return true;  // the writer will take this one instead
+    }
+    writer_.start([this] { writeWaiting(); });
+    return true;
 }
 
-std::optional<Draft> DraftStore::read(QString* error) const {
+void DraftStore::writeWaiting() {
+    QByteArray text;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (!waiting_) return;
+        text = std::move(*waiting_);
+        waiting_.reset();
+    }
+    QSaveFile file(path_);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(text);
+        file.commit();  // a draft that cannot be written is no reason to stop the user
+    }
+}
+
+void DraftStore::flush() { writer_.waitForDone(); }
+
+std::optional<Draft> DraftStore::read(QString* error) {
+    flush();
     QFile file(path_);
     if (!file.open(QIODevice::ReadOnly)) {
         *error = file.errorString();
@@ -86,10 +113,12 @@ std::optional<Draft> DraftStore::read(QString* error) const {
 }
 
 void DraftStore::remove() {
+    flush();
     if (enabled()) QFile::remove(path_);
 }
 
 void DraftStore::setAside() {
+    flush();
     if (!enabled()) return;
     const QString aside = path_ + QStringLiteral(".damaged");
     QFile::remove(aside);

@@ -8,10 +8,17 @@
 // Only one program on a data folder keeps a draft: it holds the folder's draft
 // lock for its whole run. A second program on the same folder works without one.
 // A lock left behind by a program that died is taken over.
+//
+// Writing a file safely means waiting for the disk, longer than a page turn
+// may take; so the draft is made into text at once and written to disk by a
+// thread of its own. Only the newest draft waiting is written. Everything
+// that reads or removes the file first waits for the writing to end.
 
 #include <QMap>
 #include <QString>
+#include <QThreadPool>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "report/nishum_input.h"
@@ -44,20 +51,28 @@ public:
 
     bool enabled() const { return lock_ != nullptr; }
     QString path() const { return path_; }
-    // A draft left by an earlier run is waiting.
-    bool exists() const;
+    // There is a draft (written by an earlier run or by this one).
+    bool exists();
 
-    // Replaces the draft; the old one stays whole until the new one is complete.
+    // Replaces the draft; the old one stays whole until the new one is
+    // complete. False when this program keeps no drafts.
     bool write(const Draft& draft);
-    std::optional<Draft> read(QString* error) const;
+    // Waits until the drafts handed to write() are on disk.
+    void flush();
+    std::optional<Draft> read(QString* error);
     void remove();
     // Keeps a draft that cannot be read beside the folder's files under another
     // name, so that nothing typed is thrown away unseen.
     void setAside();
 
 private:
+    void writeWaiting();
+
     QString path_;
     std::unique_ptr<QLockFile> lock_;
+    QThreadPool writer_;
+    std::mutex mutex_;
+    std::optional<QByteArray> waiting_;  // the newest draft not yet taken by the writer
 };
 
 }  // namespace zelmor::shell

@@ -389,7 +389,7 @@ void MainWindow::writeDraft() {
     if (!drafts_->enabled()) return;
     Draft draft{report_, currentPage_, {}};
     if (editMode() && page_) draft.texts = page_->rawTexts();
-    drafts_->write(draft);  // a draft that cannot be written is no reason to stop the user
+    drafts_->write(draft);
 }
 
 void MainWindow::offerDraft() {

@@ -237,11 +237,11 @@ TEST_F(MainWindowTest, TheExitQuestionDecidesWhetherTheWindowCloses) {
     EXPECT_EQ(focusName(), "IDM");
 
     w->writeDraft();
-    ASSERT_TRUE(QFile::exists(w->drafts().path()));
+    ASSERT_TRUE(w->drafts().exists());
     rec.answers = {QMessageBox::No};
     w->close();
     EXPECT_FALSE(w->isVisible());
-    EXPECT_FALSE(QFile::exists(w->drafts().path()));
+    EXPECT_FALSE(w->drafts().exists());
 }
 
 TEST_F(MainWindowTest, ADraftLeftByACrashIsRestoredOnItsPageWithTheTextsAsTyped) {
@@ -269,7 +269,7 @@ TEST_F(MainWindowTest, ADraftLeftByACrashIsRestoredOnItsPageWithTheTextsAsTyped)
         type(*w, "N150", "75");
         EXPECT_TRUE(w->saveReport());
         EXPECT_EQ(w->report().Yegia.N150.value(), 75);
-        EXPECT_FALSE(QFile::exists(w->drafts().path()));
+        EXPECT_FALSE(w->drafts().exists());
     }
 }
 
@@ -285,7 +285,7 @@ TEST_F(MainWindowTest, ADraftRefusedIsDeletedAndASecondProgramKeepsNone) {
     auto first = open();
     EXPECT_EQ(rec.shown.size(), 1u);
     EXPECT_TRUE(first->report().NishumID().empty());
-    EXPECT_FALSE(QFile::exists(first->drafts().path()));
+    EXPECT_FALSE(first->drafts().exists());
 
     auto second = open();
     ASSERT_EQ(rec.shown.size(), 2u);
@@ -293,7 +293,7 @@ TEST_F(MainWindowTest, ADraftRefusedIsDeletedAndASecondProgramKeepsNone) {
     EXPECT_FALSE(second->drafts().enabled());
     type(*second, "IDM", "2");
     second->writeDraft();
-    EXPECT_FALSE(QFile::exists(first->drafts().path()));
+    EXPECT_FALSE(first->drafts().exists());
 }
 
 }  // namespace
