@@ -491,12 +491,10 @@ QString maritalText(const sections::Pratim& p) {
     QString t = QString::fromUtf8(w.row("isRavak"));
     if (p.isMale) t += QString::fromUtf8(w.cell("isMale"));
     else if (p.isFemale) t += QString::fromUtf8(w.cell("isFemale"));
-    const char* const statuses[] = {"isRavak", "isNasuy", "isAlman", "isGarush"};
-    const bool values[] = {p.isRavak, p.isNasuy, p.isAlman, p.isGarush};
-    for (int i = 0; i < 4; ++i) {
-        if (!values[i]) continue;
-        const FieldDef* f = findField("Pratim", statuses[i]);
-        t += QString::fromUtf8(p.isFemale && *f->femaleCaption ? f->femaleCaption : f->caption);
+    for (const EntryCell& status : findPlace(SectionId::Pratim, "isRavak").row->cells) {
+        const FieldDef* f = findField("Pratim", status.field);
+        if (!*static_cast<const bool*>(f->inSection(const_cast<sections::Pratim*>(&p)))) continue;
+        t += QString::fromUtf8(p.isFemale && *f->femaleCaption ? f->femaleCaption : status.caption.paper);
         break;
     }
     return t;

@@ -50,6 +50,13 @@ public:
         src_.back().rows.push_back({caption, std::move(cells), medium});
         return *this;
     }
+    // A row of the two spouses, and one of both together and each.
+    Page& mf(const char* paper, const char* m, const char* f) {
+        return row(paper, {at(Person::M, m), at(Person::F, f)});
+    }
+    Page& bmf(const char* paper, const char* both, const char* m, const char* f) {
+        return row(paper, {at(Person::Both, both), at(Person::M, m), at(Person::F, f)});
+    }
     // A plain heading or note inside a block.
     Page& text(Words caption, Medium medium = Medium::Both) { return row(caption, {}, medium); }
 
@@ -65,6 +72,9 @@ public:
     EntryCell own(Person column, const char* name, const char* paper, Medium medium = Medium::Both) const {
         return {name, column, {field(name).caption, paper}, medium};
     }
+
+    // An option or check box, captioned alike on both media.
+    EntryCell option(const char* name) const { return own(Person::None, name, caption(name)); }
 
     const EntryPageLayout& finish() {
         for (const BlockSrc& b : src_) {
@@ -131,7 +141,7 @@ void pratim(Page& p) {
     // Paper prints the sex and the marital status on one line of words.
     p.row({}, {p.own(N, "isMale", "זכר "), p.own(N, "isFemale", "נקבה ")});
     p.row({"מצב משפחתי :", "מצב משפחתי: "},
-          {p.at(N, "isRavak"), p.at(N, "isNasuy"), p.at(N, "isAlman"), p.at(N, "isGarush")});
+          {p.option("isRavak"), p.option("isNasuy"), p.option("isAlman"), p.option("isGarush")});
     p.block({"פרטי הגשה והמסייע", "פרטי הגשה והמסייע"});
     p.row({}, {p.own(N, "DochDate", "תאריך הגשת הדו\"ח: ")});
     p.row({}, {p.own(N, "SupportName", "שם המסייע: "), p.own(N, "SupportDealerNum", "מס' עוסק: "),
@@ -141,36 +151,36 @@ void pratim(Page& p) {
 
 void yegia(Page& p) {
     p.block({"ג. הכנסות מיגיעה אישית", "ג. הכנסות מיגיעה אישית"}, {"סעיפים 1-7", "סעיפים 1-7"}, mf());
-    p.row("1. מיגיעה אישית מעסק או ממשלח יד", {p.at(M, "N150"), p.at(F, "N170")});
-    p.row("2. תקבולי והחזרי ביטוח לאומי כעצמאי", {p.at(M, "N250"), p.at(F, "N270")});
-    p.row("3. משכורת / שכ\"ע (לא כולל משמרות)", {p.at(M, "N158"), p.at(F, "N172")});
-    p.row("4. עבודה במשמרות בתעשיה", {p.at(M, "N068"), p.at(F, "N069")});
-    p.row("5א. החלק החייב במס של קיצבאות", {p.at(M, "N258"), p.at(F, "N272")});
-    p.row("5ב. פריסת מענק פרישה משנים קודמות", {p.at(M, "N358"), p.at(F, "N372")});
-    p.row("6. הכנסה מנכס ששימש בעסקך 10 שנים", {p.at(M, "N120"), p.at(F, "N220")});
-    p.row("7. הכנסות אחרות מיגיעה אישית", {p.at(M, "YegiaM"), p.at(F, "YegiaF")});
-    p.row("סה\"כ הכנסות מיגיעה אישית", {p.at(M, "TTLM"), p.at(F, "TTLF")});
+    p.mf("1. מיגיעה אישית מעסק או ממשלח יד", "N150", "N170");
+    p.mf("2. תקבולי והחזרי ביטוח לאומי כעצמאי", "N250", "N270");
+    p.mf("3. משכורת / שכ\"ע (לא כולל משמרות)", "N158", "N172");
+    p.mf("4. עבודה במשמרות בתעשיה", "N068", "N069");
+    p.mf("5א. החלק החייב במס של קיצבאות", "N258", "N272");
+    p.mf("5ב. פריסת מענק פרישה משנים קודמות", "N358", "N372");
+    p.mf("6. הכנסה מנכס ששימש בעסקך 10 שנים", "N120", "N220");
+    p.mf("7. הכנסות אחרות מיגיעה אישית", "YegiaM", "YegiaF");
+    p.mf("סה\"כ הכנסות מיגיעה אישית", "TTLM", "TTLF");
     p.block({"ד. הכנסות חייבות בשיעורי מס רגילים", "ד. הכנסות מרכוש בשיעורי מס רגילים"},
             {"סעיפים 8-11", "סעיפים 8-11"}, bmf());
-    p.row("8. מנכס בית", {p.at(B, "N059"), p.at(M, "N201"), p.at(F, "N301")});
-    p.row("9. מ\"חברת בית\"", {p.at(B, "N159"), p.at(M, "N202"), p.at(F, "N302")});
-    p.row("10. מחברה משפחתית", {p.at(B, "N367"), p.at(M, "N204"), p.at(F, "N304")});
-    p.row("11. רכוש אחר / ריבית", {p.at(B, "N167"), p.at(M, "N205"), p.at(F, "N305")});
+    p.bmf("8. מנכס בית", "N059", "N201", "N301");
+    p.bmf("9. מ\"חברת בית\"", "N159", "N202", "N302");
+    p.bmf("10. מחברה משפחתית", "N367", "N204", "N304");
+    p.bmf("11. רכוש אחר / ריבית", "N167", "N205", "N305");
 }
 
 void rechush(Page& p) {
     p.block({"ה. הכנסות חייבות בשעורי מס מיוחדים", "ה. הכנסות מרכוש בשעורי מס מיוחדים"},
             {"סעיפים 12-25", "סעיפים 12-25"}, screenHeads(bmf()));
-    p.row("12. פטנט או לאחר פטירה (40%)", {p.at(B, "N061"), p.at(M, "N214"), p.at(F, "N314")});
-    p.row("13. ריבית ני\"ע ודיב מאושר (15%)", {p.at(B, "N060"), p.at(M, "N211"), p.at(F, "N311")});
-    p.row("14. ריבית ני\"ע וקופת גמל (20%)", {p.at(B, "N067"), p.at(M, "N228"), p.at(F, "N328")});
-    p.row("15. ריבית ני\"ע ועמלות (25%)", {p.at(B, "N157"), p.at(M, "N257"), p.at(F, "N357")});
-    p.row("16. דיבידנד ומניות לפדיון (25%)", {p.at(B, "N141"), p.at(M, "N241"), p.at(F, "N341")});
-    p.row("17. דיבידנד והכנסה אחרת (30%)", {p.at(B, "N055"), p.at(M, "N212"), p.at(F, "N312")});
-    p.row("18. ריבית ני\"ע ודיב. זרים (35%)", {p.at(B, "N053"), p.at(M, "N213"), p.at(F, "N313")});
-    p.row("19. פק. וחיסכון לפני פטור (15%)", {p.at(B, "N078"), p.at(M, "N217"), p.at(F, "N317")});
-    p.row("20. פק. וחיסכון לפני פטור (20%)", {p.at(B, "N126"), p.at(M, "N226"), p.at(F, "N326")});
-    p.row("21. פק. וחיסכון לפני פטור (25%)", {p.at(B, "N142"), p.at(M, "N242"), p.at(F, "N342")});
+    p.bmf("12. פטנט או לאחר פטירה (40%)", "N061", "N214", "N314");
+    p.bmf("13. ריבית ני\"ע ודיב מאושר (15%)", "N060", "N211", "N311");
+    p.bmf("14. ריבית ני\"ע וקופת גמל (20%)", "N067", "N228", "N328");
+    p.bmf("15. ריבית ני\"ע ועמלות (25%)", "N157", "N257", "N357");
+    p.bmf("16. דיבידנד ומניות לפדיון (25%)", "N141", "N241", "N341");
+    p.bmf("17. דיבידנד והכנסה אחרת (30%)", "N055", "N212", "N312");
+    p.bmf("18. ריבית ני\"ע ודיב. זרים (35%)", "N053", "N213", "N313");
+    p.bmf("19. פק. וחיסכון לפני פטור (15%)", "N078", "N217", "N317");
+    p.bmf("20. פק. וחיסכון לפני פטור (20%)", "N126", "N226", "N326");
+    p.bmf("21. פק. וחיסכון לפני פטור (25%)", "N142", "N242", "N342");
     p.row("22. שכר דירה למגורים (10%)", {p.at(B, "N222")});
     p.row("23. שכר דירה מחו\"ל (15%)", {p.at(B, "N225")});
     p.row("24. הימורים, הגרלות ופרסים (25%)", {p.at(B, "N227")});
@@ -178,14 +188,14 @@ void rechush(Page& p) {
     p.row({p.caption("AcheretRate"), "25. אחרת בשיעור מס מוגבל "},
           {p.at(N, "AcheretRate"), p.at(B, "Acheret"), p.at(M, "AcheretM"), p.at(F, "AcheretF")});
     p.block({"ו. מוסד כספי", "ו. מוסד כספי"}, {"סעיף 26", "סעיף 26"}, screenHeads(mf()));
-    p.row("26. רווח של מוסד כספי כמשמעותו בחוק מע\"מ", {p.at(M, "N032"), p.at(F, "N163")});
+    p.mf("26. רווח של מוסד כספי כמשמעותו בחוק מע\"מ", "N032", "N163");
 }
 
 void pturot(Page& p) {
     // Lines 27 and 28 hold one figure on each side of the page, right and left.
     p.block({"ז. נתונים נוספים", "ז. נתונים נוספים"}, {"סעיפים 27-28", "סעיפים 27-28"});
-    p.row(p.caption("N184"), {p.at(M, "N184"), p.at(F, "N185")});
-    p.row(p.caption("N186"), {p.at(M, "N186"), p.at(F, "N187")});
+    p.mf(p.caption("N184"), "N184", "N185");
+    p.mf(p.caption("N186"), "N186", "N187");
     p.block({"ח. הכנסות מרווח הון ומשבח מקרקעין", "ח. הכנסות מרווח הון ומשבח מקרקעין"},
             {"סעיפים 31-33", "סעיפים 31-33"});
     p.row("31. מספר טופסי רווח הון", {p.at(N, "N054")});
@@ -223,18 +233,18 @@ void nikuim(Page& p) {
     const char* paid = "הסכום ששולם";
     p.block({"יב. ניכויים אישיים", "יב. ניכויים אישיים"}, {"סעיפים 42-53", "סעיפים 42-53"},
             {{M, {kM, kM}, paid}, {F, {kF, kF}, paid}});
-    p.row(p.caption("N112"), {p.at(M, "N112"), p.at(F, "N113")});
-    p.row(p.caption("N206"), {p.at(M, "N206"), p.at(F, "N207")});
-    p.row(p.caption("N136"), {p.at(M, "N136"), p.at(F, "N137")});
-    p.row(p.caption("N218"), {p.at(M, "N218"), p.at(F, "N219")});
-    p.row(p.caption("N135"), {p.at(M, "N135"), p.at(F, "N180")});
-    p.row(p.caption("N030"), {p.at(M, "N030"), p.at(F, "N089")});
+    p.mf(p.caption("N112"), "N112", "N113");
+    p.mf(p.caption("N206"), "N206", "N207");
+    p.mf(p.caption("N136"), "N136", "N137");
+    p.mf(p.caption("N218"), "N218", "N219");
+    p.mf(p.caption("N135"), "N135", "N180");
+    p.mf(p.caption("N030"), "N030", "N089");
     p.text({"בסעיפים 48-50 יש לרשום סכום הניכוי המחושב :", "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב"});
-    p.row(p.caption("N005"), {p.at(M, "N005"), p.at(F, "N006")});
-    p.row(p.caption("N116"), {p.at(M, "N116"), p.at(F, "N117")});
-    p.row(p.caption("N118"), {p.at(M, "N118"), p.at(F, "N119")});
-    p.row(p.caption("N244"), {p.at(M, "N244"), p.at(F, "N245")});
-    p.row("53. הפקדות מעביד לקיצבה והפקדות העובד לפנסיה", {p.at(M, "N248"), p.at(F, "N249")});
+    p.mf(p.caption("N005"), "N005", "N006");
+    p.mf(p.caption("N116"), "N116", "N117");
+    p.mf(p.caption("N118"), "N118", "N119");
+    p.mf(p.caption("N244"), "N244", "N245");
+    p.mf("53. הפקדות מעביד לקיצבה והפקדות העובד לפנסיה", "N248", "N249");
 }
 
 void nekudot(Page& p) {
@@ -261,14 +271,14 @@ void nekudot(Page& p) {
 
 void zikuim(Page& p) {
     p.block({"יד. זיכויים", "יד. זיכויים"}, {"סעיפים 65-73", "סעיפים 62-69"}, mf());
-    p.row("65. לביטוח חיים", {p.at(M, "N036"), p.at(F, "N081")});
-    p.row("66. לביטוח קצבת שארים", {p.at(M, "N140"), p.at(F, "N240")});
-    p.row("67. לקיצבה מקיפה כעמית שכיר", {p.at(M, "N045"), p.at(F, "N086")});
-    p.row("68. לקיצבה מקיפה כעמית עצמאי", {p.at(M, "N268"), p.at(F, "N269")});
-    p.row("69. לאחזקת בן משפחה במוסד", {p.at(M, "N132"), p.at(F, "N232")});
-    p.row("70. תרומות למוסדות ציבור", {p.at(M, "N037"), p.at(F, "N237")});
-    p.row("71. תרומות להנצחת זכר חייל שניספה", {p.at(M, "N143"), p.at(F, "N144")});
-    p.row("73. תושבי יישובים מסויימים", {p.at(M, "N093"), p.at(F, "N193")});
+    p.mf("65. לביטוח חיים", "N036", "N081");
+    p.mf("66. לביטוח קצבת שארים", "N140", "N240");
+    p.mf("67. לקיצבה מקיפה כעמית שכיר", "N045", "N086");
+    p.mf("68. לקיצבה מקיפה כעמית עצמאי", "N268", "N269");
+    p.mf("69. לאחזקת בן משפחה במוסד", "N132", "N232");
+    p.mf("70. תרומות למוסדות ציבור", "N037", "N237");
+    p.mf("71. תרומות להנצחת זכר חייל שניספה", "N143", "N144");
+    p.mf("73. תושבי יישובים מסויימים", "N093", "N193");
     p.row({"", "אחוז ההנחה"}, {p.own(M, "N093Rate", ""), p.own(M, "N093Month", "חודשים: "),
                               p.own(F, "N193Rate", ""), p.own(F, "N193Month", "חודשים: ")});
     p.row({p.caption("AcherimText"), "סכומי זיכויים אחרים (כוחות הבטחון/אחר)"},
@@ -297,7 +307,7 @@ void klaliim(Page& p) {
     // A declaration is a check box or an option with its caption; paper marks it
     // "x" or a blank. A "\n" in a paper caption breaks it over two lines.
     auto decl = [&p](const char* name, const char* paper = nullptr) {
-        return p.own(N, name, paper ? paper : p.caption(name));
+        return paper ? p.own(N, name, paper) : p.option(name);
     };
     p.block({"א. פרטים כלליים", "א. פרטים כלליים"});
     p.row({}, {p.own(N, "Shuma", "משרד השומה ")});

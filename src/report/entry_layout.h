@@ -9,17 +9,22 @@
 //                                    spouses, M, F, total).
 //   block.rows                       the rows of the block, top to bottom. A row
 //                                    has a caption (shown at the right) and cells.
-//   row.cells                        the entry fields of the row, each under the
-//                                    column of its `column` person (Person::None on
-//                                    the form-like pages 1 and 9, where cells stand
-//                                    one after the other, each with its own caption).
-// Everything carries a screen text and a paper text (Words); a block, row or
-// cell whose `medium` is Screen or Paper belongs to that medium alone, and a
-// screen skips the Paper ones. A row or block without cells is a plain heading
-// or note. The look of a field (format, mask, list, option group, fixed
-// prefix, female wording) is in the field catalogue (FieldDef); the tab order
-// is the catalogue's tab place (Enter follows ascending tab place), not the
-// order of cells here.
+//   row.cells                        the fields of the row, each under the column
+//                                    of its `column` person; Person::None where a
+//                                    cell stands in no column (a lone field, the
+//                                    label/field pairs and options of the form-like
+//                                    pages), one after the other. A cell with a
+//                                    caption of its own shows it beside it (a label,
+//                                    an option's text); else the row's caption
+//                                    serves, and the catalogue's form code ("150:")
+//                                    stands beside the field.
+// Everything carries a screen text and a paper text (Words, "" where a medium
+// shows none); a block, row or cell whose `medium` is Screen or Paper belongs
+// to that medium alone, and a screen skips the Paper ones. A row without cells
+// is a plain heading or note. The look of a field (format, mask, list, option
+// group, fixed prefix, female wording) is in the field catalogue (FieldDef);
+// the tab order is the catalogue's tab place (Enter follows ascending tab
+// place), not the order of cells here.
 
 #include <cstdint>
 #include <span>
@@ -88,7 +93,8 @@ FieldPlace findPlace(SectionId section, const char* field);
 // --- The lists fields draw from ---------------------------------------------
 
 // The entries of a list, in order. A field holds the index of its entry
-// (Degree, Settlement) or the number the entry shows (Rate, Months).
+// (Degree, Settlement) or the number the entry shows (Rate, Months). For Rate
+// this is every rate there is; the entries on show are rateEntries(...).
 std::span<const char* const> listEntries(ListId list);
 // The rates of line 73 follow the settlement chosen in the first list:
 // 1 gives "13","25"; 2 gives "13","16","20","25"; anything else none.

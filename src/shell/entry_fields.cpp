@@ -2,6 +2,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFontMetrics>
 #include <QLabel>
@@ -17,11 +18,6 @@ namespace {
 
 QString utf8(const char* s) { return QString::fromUtf8(s); }
 
-QLabel* sideLabel(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setTextFormat(Qt::PlainText);
-    return l;
-}
 
 int textWidth(const QFontMetrics& fm, const QString& sample) { return fm.horizontalAdvance(sample) + 10; }
 
@@ -50,6 +46,17 @@ std::int64_t memberValue(const FieldDef& f, const NishumInput& n) {
 
 }  // namespace
 
+QLabel* plainLabel(const QString& text, QWidget* parent) {
+    auto* l = new QLabel(text, parent);
+    l->setTextFormat(Qt::PlainText);
+    return l;
+}
+
+QString buttonText(const FieldDef& def) {
+    if (def.control != Control::Option && def.control != Control::CheckBox) return {};
+    return *def.code && def.control == Control::CheckBox ? utf8(def.code) + QLatin1Char(':') : utf8(def.caption);
+}
+
 int fieldHeight(const QFont& font) { return QFontMetrics(font).height() + 5; }
 
 FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget* parent) {
@@ -59,9 +66,9 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
     const QString cellCaption = utf8(cell.caption.screen);
     const bool isButton = def.control == Control::Option || def.control == Control::CheckBox;
 
-    if (!cellCaption.isEmpty() && !isButton) w.before.push_back(sideLabel(cellCaption, parent));
+    if (!cellCaption.isEmpty() && !isButton) w.before.push_back(plainLabel(cellCaption, parent));
     if (*def.code && !isButton && cellCaption.isEmpty())
-        w.code = sideLabel(utf8(def.code) + QLatin1Char(':'), parent);
+        w.code = plainLabel(utf8(def.code) + QLatin1Char(':'), parent);
 
     switch (def.control) {
         case Control::Edit:
@@ -91,20 +98,20 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
             } else {
                 numberLook(e);
                 const bool narrow = def.type == FieldType::Count || def.display == Display::Plain;
-                e->setFixedWidth(textWidth(fm, narrow ? QStringLiteral("00,000-") : QStringLiteral("999,999,999-")));
+                e->setFixedWidth(textWidth(fm, narrow ? QStringLiteral("0000") : QStringLiteral("99,999,999-")));
             }
             e->setFixedHeight(height);
             break;
         }
         case Control::Option:
         case Control::CheckBox: {
-            const QString text = *def.code && def.control == Control::CheckBox ? utf8(def.code) + QLatin1Char(':')
-                                                                                : utf8(def.caption);
+            const QString text = buttonText(def);
             if (def.control == Control::Option)
                 w.button = new QRadioButton(text, parent);
             else
                 w.button = new QCheckBox(text, parent);
-            w.button->setFixedHeight(height);
+            // A button needs less height than a framed field: rows of declarations stay compact.
+            w.button->setFixedHeight(QFontMetrics(parent->font()).height() + 3);
             break;
         }
         case Control::List: {
@@ -120,7 +127,7 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                     widest = std::max(widest, fm.horizontalAdvance(utf8(e)));
                 }
             }
-            const int arrow = fm.height() + 16;
+            const int arrow = fm.height() + 12;
             const int full = widest + arrow;
             if (def.list == ListId::Degree) {
                 // Narrow, showing the degree's digit, until it gets the focus.
@@ -128,6 +135,10 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
                 c->setProperty("narrowWidth", narrow);
                 c->setProperty("wideWidth", full);
                 c->setFixedWidth(narrow);
+            } else if (def.list == ListId::Settlement) {
+                // The ceilings in the entries are long; the open list shows them whole.
+                c->setFixedWidth(fm.horizontalAdvance(QStringLiteral("גבול הצפון (תק")) + arrow);
+                c->view()->setMinimumWidth(full);
             } else {
                 c->setFixedWidth(full);
             }
@@ -138,8 +149,8 @@ FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget*
     w.widget = w.edit ? static_cast<QWidget*>(w.edit) : w.button ? static_cast<QWidget*>(w.button) : w.combo;
     w.widget->setObjectName(QString::fromLatin1(def.name));
 
-    if (*def.prefix) w.after.push_back(sideLabel(utf8(def.prefix), parent));
-    if (*def.caption2 && cellCaption != utf8(def.caption2)) w.after.push_back(sideLabel(utf8(def.caption2), parent));
+    if (*def.prefix) w.after.push_back(plainLabel(utf8(def.prefix), parent));
+    if (*def.caption2 && cellCaption != utf8(def.caption2)) w.after.push_back(plainLabel(utf8(def.caption2), parent));
     return w;
 }
 

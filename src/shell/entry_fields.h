@@ -16,6 +16,7 @@ class QAbstractButton;
 class QButtonGroup;
 class QComboBox;
 class QFont;
+class QLabel;
 class QLineEdit;
 class QWidget;
 
@@ -34,8 +35,14 @@ struct FieldWidget {
     QWidget* code = nullptr;
 };
 
+// A label showing `text` as it stands (no rich text).
+QLabel* plainLabel(const QString& text, QWidget* parent);
+
 // The height of one row of fields in `font`.
 int fieldHeight(const QFont& font);
+
+// The text of an option or check box: a check box of a form line shows its code ("020:").
+QString buttonText(const FieldDef& def);
 
 FieldWidget makeFieldWidget(const FieldDef& def, const EntryCell& cell, QWidget* parent);
 

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QFontMetrics>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <limits>
@@ -51,11 +52,6 @@ constexpr SalaryPair kInsuredLimits[] = {
 constexpr const char* kFemaleOption = "isFemale";
 constexpr const char* kMaleOption = "isMale";
 
-QLabel* label(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setTextFormat(Qt::PlainText);
-    return l;
-}
 
 }  // namespace
 
@@ -69,9 +65,7 @@ EntryPage::EntryPage(SectionId section, const NishumInput* report, QWidget* pare
     setFixedSize(childSize());
 }
 
-EntryPage::~EntryPage() {
-    for (Slot* s : slots_) delete s;
-}
+EntryPage::~EntryPage() = default;
 
 SectionId EntryPage::section() const { return section_; }
 
@@ -82,17 +76,17 @@ QFont EntryPage::screenFont() {
     return f;
 }
 
-QSize EntryPage::childSize() { return {600, 400}; }
+QSize EntryPage::childSize() { return {600, 480}; }
 
 EntryPage::Slot* EntryPage::slotOf(QObject* widget) const {
-    for (Slot* s : slots_)
-        if (s->w.widget == widget) return s;
+    for (const auto& s : slots_)
+        if (s->w.widget == widget) return s.get();
     return nullptr;
 }
 
 EntryPage::Slot* EntryPage::slotNamed(const char* name) const {
-    for (Slot* s : slots_)
-        if (qstrcmp(s->def->name, name) == 0) return s;
+    for (const auto& s : slots_)
+        if (qstrcmp(s->def->name, name) == 0) return s.get();
     return nullptr;
 }
 
@@ -105,139 +99,236 @@ QWidget* EntryPage::fieldWidget(const QString& name) const {
 // --- Building ------------------------------------------------------------------
 
 void EntryPage::build() {
-    const EntryPageLayout& layout = entryLayout(section_);
-    const int rowHeight = fieldHeight(font());
-
-    auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(6, 3, 6, 3);
-    outer->setSpacing(2);
-
-    std::map<const FieldDef*, Slot*> byDef;
-    auto slotFor = [&](const FieldDef* def) -> Slot& {
-        auto& s = byDef[def];
-        if (!s) {
-            s = new Slot;
-            s->def = def;
-        }
-        return *s;
-    };
-
-    for (const EntryBlock& block : layout.blocks) {
-        if (!onScreen(block.medium)) continue;
-        auto* head = new QHBoxLayout;
-        head->setSpacing(12);
-        QLabel* heading = label(QString::fromUtf8(block.heading.screen), this);
-        QFont bold = font();
-        bold.setBold(true);
-        heading->setFont(bold);
-        head->addWidget(heading);
-        if (*block.lines.screen) head->addWidget(label(QString::fromUtf8(block.lines.screen), this));
-        head->addStretch(1);
-        outer->addLayout(head);
-
-        // Grid columns: 0 the row captions, then for each column of the block
-        // the line codes and the fields.
-        auto* grid = new QGridLayout;
-        grid->setHorizontalSpacing(4);
-        grid->setVerticalSpacing(1);
-        const int columns = static_cast<int>(block.columns.size());
-        const int lastColumn = std::max(2 * columns, 1);
-        int r = 0;
-        if (columns > 0) {
-            bool subs = false;
-            for (int j = 0; j < columns; ++j) {
-                const ColumnHead& h = block.columns[static_cast<std::size_t>(j)];
-                QLabel* l = label(QString::fromUtf8(h.text.screen), this);
-                l->setAlignment(Qt::AlignCenter);
-                grid->addWidget(l, r, 1 + 2 * j, 1, 2);
-                if (*h.sub) {
-                    QLabel* sub = label(QString::fromUtf8(h.sub), this);
-                    sub->setAlignment(Qt::AlignCenter);
-                    grid->addWidget(sub, r + 1, 1 + 2 * j, 1, 2);
-                    subs = true;
-                }
-            }
-            r += subs ? 2 : 1;
-        }
-        for (const EntryRow& row : block.rows) {
-            if (!onScreen(row.medium)) continue;
-            const QString caption = QString::fromUtf8(row.caption.screen);
-            if (row.cells.empty()) {
-                grid->addWidget(label(caption, this), r, 0, 1, lastColumn + 1);
-                ++r;
-                continue;
-            }
-            if (!caption.isEmpty()) grid->addWidget(label(caption, this), r, 0);
-            std::map<int, QHBoxLayout*> boxes;  // by column of the block, -1 spanning them all
-            for (const EntryCell& cell : row.cells) {
-                if (!onScreen(cell.medium) || !cell.field) continue;
-                int j = -1;
-                for (int k = 0; k < columns; ++k)
-                    if (block.columns[static_cast<std::size_t>(k)].column == cell.column) j = k;
-                const FieldDef* def = findField(sectionDef(section_).name, cell.field);
-                Slot& s = slotFor(def);
-                s.cell = &cell;
-                s.row = &row;
-                s.w = makeFieldWidget(*def, cell, this);
-                QHBoxLayout*& box = boxes[j];
-                if (!box) {
-                    box = new QHBoxLayout;
-                    box->setSpacing(3);
-                    if (j >= 0) {
-                        grid->addLayout(box, r, 2 + 2 * j);
-                        if (s.w.code) grid->addWidget(s.w.code, r, 1 + 2 * j);
-                        s.w.code = nullptr;
-                    } else {
-                        grid->addLayout(box, r, 1, 1, lastColumn);
-                    }
-                } else {
-                    box->addSpacing(10);
-                }
-                if (s.w.code) box->addWidget(s.w.code);
-                for (QWidget* piece : s.w.before) box->addWidget(piece);
-                // Text fields take the room the row leaves, up to their own length.
-                box->addWidget(s.w.widget, s.w.widget->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding ? 10 : 0);
-                for (QWidget* piece : s.w.after) box->addWidget(piece);
-            }
-            for (auto& entry : boxes) entry.second->addStretch(1);
-            grid->setRowMinimumHeight(r, rowHeight);
-            ++r;
-        }
-        for (int c = 1; c <= lastColumn; ++c) grid->setColumnStretch(c, c % 2 == 0 ? 1 : 0);
-        outer->addLayout(grid);
-    }
-    outer->addStretch(1);
+    SlotMap placed;
+    std::vector<QWidget*> blocks;
+    for (const EntryBlock& block : entryLayout(section_).blocks)
+        if (onScreen(block.medium)) blocks.push_back(buildBlock(block, placed));
+    placeBlocks(blocks);
 
     // Catalogue order, for the rules that walk the fields.
     for (const FieldDef& def : sectionFields(section_)) {
-        auto it = byDef.find(&def);
-        if (it != byDef.end()) slots_.push_back(it->second);
+        auto it = placed.find(&def);
+        if (it != placed.end()) slots_.push_back(std::move(it->second));
     }
-    for (Slot* s : slots_) addField(*s);
+    for (auto& s : slots_) addField(*s);
 
     // Tab order: the catalogue's tab places, ascending.
-    std::vector<Slot*> entries;
-    for (Slot* s : slots_)
-        if (s->def->tab >= 0 && s->def->control != Control::Total) entries.push_back(s);
+    std::vector<const Slot*> entries;
+    for (const auto& s : slots_)
+        if (s->def->tab >= 0 && s->def->control != Control::Total) entries.push_back(s.get());
     std::stable_sort(entries.begin(), entries.end(), [](const Slot* a, const Slot* b) { return a->def->tab < b->def->tab; });
-    for (Slot* s : entries) tabOrder_.push_back(s->w.widget);
+    for (const Slot* s : entries) tabOrder_.push_back(s->w.widget);
     for (std::size_t i = 1; i < tabOrder_.size(); ++i) setTabOrder(tabOrder_[i - 1], tabOrder_[i]);
 
-    // Accessible names: the caption, and the column head where the same caption stands in several columns.
-    std::map<QString, int> uses;
-    for (Slot* s : slots_) ++uses[s->w.widget->accessibleName()];
-    for (Slot* s : slots_) {
-        const QString name = s->w.widget->accessibleName();
-        const char* head = s->cell ? columnHead(s->cell->column) : "";
-        if (uses[name] > 1 && *head) s->w.widget->setAccessibleName(name + QStringLiteral(" - ") + QString::fromUtf8(head));
+    // Accessible names: the row's caption (or the cell's own), then, where
+    // several fields share it, the column head, the cell's caption, the field.
+    auto disambiguate = [this](auto&& extra) {
+        std::map<QString, int> uses;
+        for (const auto& s : slots_) ++uses[s->w.widget->accessibleName()];
+        for (const auto& s : slots_) {
+            const QString more = extra(*s);
+            if (uses[s->w.widget->accessibleName()] > 1 && !more.isEmpty())
+                s->w.widget->setAccessibleName(s->w.widget->accessibleName() + QStringLiteral(" - ") + more);
+        }
+    };
+    disambiguate([](const Slot& s) { return QString::fromUtf8(s.cell ? columnHead(s.cell->column) : ""); });
+    disambiguate([](const Slot& s) { return QString::fromUtf8(s.cell ? s.cell->caption.screen : "").trimmed(); });
+    disambiguate([](const Slot& s) { return QString::fromLatin1(s.def->name); });
+}
+
+// One block: its heading and line range, its column heads, its rows. Grid
+// columns: 0 the row captions, then for each column of the block the line
+// codes and the fields.
+QWidget* EntryPage::buildBlock(const EntryBlock& block, SlotMap& placed) {
+    auto* area = new QWidget(this);
+    auto* v = new QVBoxLayout(area);
+    v->setContentsMargins(0, 0, 0, 0);
+    v->setSpacing(1);
+
+    auto* head = new QHBoxLayout;
+    head->setSpacing(12);
+    QLabel* heading = plainLabel(QString::fromUtf8(block.heading.screen), area);
+    QFont bold = font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    head->addWidget(heading);
+    if (*block.lines.screen) head->addWidget(plainLabel(QString::fromUtf8(block.lines.screen), area));
+    head->addStretch(1);
+    v->addLayout(head);
+
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(4);
+    grid->setVerticalSpacing(1);
+    v->addLayout(grid);
+    v->addStretch(1);
+    const int columns = static_cast<int>(block.columns.size());
+    int r = 0;
+    bool subs = false;
+    for (int j = 0; j < columns; ++j) {
+        const ColumnHead& h = block.columns[static_cast<std::size_t>(j)];
+        QLabel* l = plainLabel(QString::fromUtf8(h.text.screen), area);
+        l->setAlignment(Qt::AlignCenter);
+        grid->addWidget(l, r, 1 + 2 * j, 1, 2);
+        if (*h.sub) {
+            QLabel* sub = plainLabel(QString::fromUtf8(h.sub), area);
+            sub->setAlignment(Qt::AlignCenter);
+            grid->addWidget(sub, r + 1, 1 + 2 * j, 1, 2);
+            subs = true;
+        }
     }
+    if (columns > 0) r += subs ? 2 : 1;
+    for (const EntryRow& row : block.rows)
+        if (onScreen(row.medium)) addRow(grid, r++, block, row, placed);
+
+    const int lastColumn = std::max(2 * columns, 1);
+    for (int c = 1; c <= lastColumn; ++c) grid->setColumnStretch(c, c % 2 == 0 ? 1 : 0);
+    grid->setColumnStretch(0, 8);  // room goes to the captions first, so that they need not wrap
+    return area;
+}
+
+void EntryPage::addRow(QGridLayout* grid, int r, const EntryBlock& block, const EntryRow& row, SlotMap& placed) {
+    QWidget* area = grid->parentWidget();
+    const int columns = static_cast<int>(block.columns.size());
+    const int lastColumn = std::max(2 * columns, 1);
+    const QString caption = QString::fromUtf8(row.caption.screen);
+    if (row.cells.empty()) {
+        grid->addWidget(plainLabel(caption, area), r, 0, 1, lastColumn + 1);
+        return;
+    }
+    // A row captioned like one of its cells shows the caption once, beside the cell.
+    bool repeated = false, ownCaptions = true, outsideColumns = true, someOutside = false;
+    for (const EntryCell& cell : row.cells) {
+        if (!onScreen(cell.medium) || !cell.field) continue;
+        const FieldDef& def = *findField(sectionDef(section_).name, cell.field);
+        if (caption == QString::fromUtf8(cell.caption.screen) || caption == buttonText(def)) repeated = true;
+        if (!*cell.caption.screen) ownCaptions = false;
+        if (cell.column != Person::None)
+            outsideColumns = false;
+        else
+            someOutside = true;
+    }
+    const bool showCaption = !caption.isEmpty() && !repeated;
+    // A row of captioned cells, or of cells outside the block's columns, runs
+    // across the block, its caption first.
+    const bool across = (columns == 0 && ownCaptions && showCaption) || (columns > 0 && outsideColumns);
+    std::map<int, QHBoxLayout*> boxes;  // by column of the block; -1 the caption's place
+    std::map<int, bool> trailing;       // the last cell of the box ends in a text
+    // A captioned cell may use the code column of its column as well, and the
+    // first column the caption's place when the row shows none.
+    auto boxAt = [&](int j, bool captioned) -> QHBoxLayout* {
+        QHBoxLayout*& box = boxes[j];
+        if (box) return box;
+        box = new QHBoxLayout;
+        box->setSpacing(3);
+        if (j == 0 && !showCaption)
+            grid->addLayout(box, r, 0, 1, 3);
+        else if (j >= 0 && captioned)
+            grid->addLayout(box, r, 1 + 2 * j, 1, 2);
+        else if (j >= 0)
+            grid->addLayout(box, r, 2 + 2 * j);
+        else if (columns > 0 || across)
+            grid->addLayout(box, r, 0, 1, across ? lastColumn + 1 : 1);
+        else
+            grid->addLayout(box, r, 1, 1, lastColumn);
+        return box;
+    };
+    if (showCaption) {
+        // Long captions wrap rather than push the fields off the page.
+        QLabel* l = plainLabel(caption, area);
+        l->setWordWrap(true);
+        const QFontMetrics fm(font());
+        const int oneLine = fm.horizontalAdvance(caption) + 2;
+        l->setMinimumWidth(across ? oneLine : std::min(oneLine, fm.averageCharWidth() * 22));
+        if (across || (columns > 0 && someOutside))
+            boxAt(-1, false)->addWidget(l, 1);
+        else
+            grid->addWidget(l, r, 0);
+    }
+    for (const EntryCell& cell : row.cells) {
+        if (!onScreen(cell.medium) || !cell.field) continue;
+        int j = -1;
+        for (int k = 0; k < columns; ++k)
+            if (block.columns[static_cast<std::size_t>(k)].column == cell.column) j = k;
+        const FieldDef* def = findField(sectionDef(section_).name, cell.field);
+        auto& slot = placed[def];
+        if (!slot) slot = std::make_unique<Slot>();
+        Slot& s = *slot;
+        s.def = def;
+        s.cell = &cell;
+        s.row = &row;
+        s.w = makeFieldWidget(*def, cell, area);
+        const bool first = !boxes.count(j) || (j < 0 && boxes[j]->count() == 1 && showCaption);
+        const bool captioned = *cell.caption.screen;
+        QHBoxLayout* box = boxAt(j, captioned);
+        // Cells of one box stand apart; further after a text that trails its field.
+        if (!first) box->addSpacing(box->count() > 0 && trailing[j] ? 12 : 6);
+        if (s.w.code && j >= 0 && first && (j > 0 || showCaption) && !captioned)
+            grid->addWidget(s.w.code, r, 1 + 2 * j);  // codes line up in their own column
+        else if (s.w.code)
+            box->addWidget(s.w.code);
+        for (QWidget* piece : s.w.before) box->addWidget(piece);
+        // Text fields take the room the row leaves, up to their own length.
+        box->addWidget(s.w.widget, s.w.widget->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding ? 10 : 0);
+        for (QWidget* piece : s.w.after) box->addWidget(piece);
+        trailing[j] = !s.w.after.empty();
+    }
+    for (auto& entry : boxes) entry.second->addStretch(1);
+}
+
+// The blocks top to bottom; a page too tall for its area keeps its wide
+// blocks across the top and flows the others into two columns, right then left.
+void EntryPage::placeBlocks(const std::vector<QWidget*>& blocks) {
+    auto* outer = new QGridLayout(this);
+    constexpr int kMargin = 6, kGap = 3, kColumnGap = 12;
+    outer->setContentsMargins(kMargin, kGap, kMargin, kGap);
+    outer->setHorizontalSpacing(kColumnGap);
+    outer->setVerticalSpacing(kGap);
+    const QSize area = childSize() - QSize(2 * kMargin, 2 * kGap);
+    std::vector<int> heights;
+    int total = 0;
+    for (QWidget* b : blocks) {
+        heights.push_back(b->minimumSizeHint().height());
+        total += heights.back() + kGap;
+    }
+    const int n = static_cast<int>(blocks.size());
+    if (total - kGap <= area.height()) {
+        for (int i = 0; i < n; ++i) outer->addWidget(blocks[static_cast<std::size_t>(i)], i, 0, 1, 2);
+        outer->setRowStretch(n, 1);
+        return;
+    }
+    const int half = (area.width() - kColumnGap) / 2;
+    int wide = 0;
+    while (wide < n && blocks[static_cast<std::size_t>(wide)]->minimumSizeHint().width() > half) ++wide;
+    // The split that makes the taller of the two columns lowest.
+    int split = wide, best = std::numeric_limits<int>::max();
+    for (int k = wide; k <= n; ++k) {
+        int right = 0, left = 0;
+        for (int i = wide; i < n; ++i) (i < k ? right : left) += heights[static_cast<std::size_t>(i)] + kGap;
+        if (std::max(right, left) < best) {
+            best = std::max(right, left);
+            split = k;
+        }
+    }
+    for (int i = 0; i < wide; ++i) outer->addWidget(blocks[static_cast<std::size_t>(i)], i, 0, 1, 2);
+    auto* right = new QVBoxLayout;
+    auto* left = new QVBoxLayout;
+    for (auto* column : {right, left}) column->setSpacing(kGap);
+    for (int i = wide; i < n; ++i) (i < split ? right : left)->addWidget(blocks[static_cast<std::size_t>(i)]);
+    right->addStretch(1);
+    left->addStretch(1);
+    outer->addLayout(right, wide, 0);
+    outer->addLayout(left, wide, 1);
+    outer->setColumnStretch(0, 1);
+    outer->setColumnStretch(1, 1);
+    outer->setRowStretch(wide, 1);
 }
 
 void EntryPage::addField(Slot& s) {
     QWidget* w = s.w.widget;
-    QString accessible = QString::fromUtf8(s.cell && *s.cell->caption.screen ? s.cell->caption.screen : s.def->caption);
-    if (accessible.isEmpty() && s.row) accessible = QString::fromUtf8(s.row->caption.screen);
-    w->setAccessibleName(accessible);
+    QString accessible = QString::fromUtf8(s.row ? s.row->caption.screen : "");
+    if (accessible.isEmpty() && s.cell) accessible = QString::fromUtf8(s.cell->caption.screen);
+    if (accessible.isEmpty()) accessible = QString::fromUtf8(s.def->caption);
+    w->setAccessibleName(accessible.trimmed());
     if (s.def->control == Control::Total) return;
     w->installEventFilter(this);
     if (s.w.edit) connect(s.w.edit, &QLineEdit::textEdited, this, &EntryPage::edited);
@@ -258,8 +349,8 @@ void EntryPage::addField(Slot& s) {
     // Options of one group exclude each other.
     if (s.w.button && *s.def->group) {
         QButtonGroup* group = nullptr;
-        for (Slot* other : slots_)
-            if (other != &s && other->w.group && qstrcmp(other->def->group, s.def->group) == 0) group = other->w.group;
+        for (const auto& other : slots_)
+            if (other.get() != &s && other->w.group && qstrcmp(other->def->group, s.def->group) == 0) group = other->w.group;
         if (!group) {
             group = new QButtonGroup(this);
             group->setExclusive(true);
@@ -402,7 +493,7 @@ void EntryPage::refreshTotals() {
 // --- Options and lists ---------------------------------------------------------------
 
 void EntryPage::applyWording(bool female) {
-    for (Slot* s : slots_)
+    for (const auto& s : slots_)
         if (s->w.button && *s->def->femaleCaption)
             s->w.button->setText(QString::fromUtf8(female ? s->def->femaleCaption : s->def->caption));
 }
@@ -413,7 +504,7 @@ void EntryPage::applyWording(bool female) {
 void EntryPage::fillRates(QComboBox* settlement) {
     const Slot* first = slotOf(settlement);
     if (!first) return;
-    for (Slot* s : slots_) {
+    for (const auto& s : slots_) {
         if (s->def->list != ListId::Rate || s->def->person != first->def->person) continue;
         QComboBox* rates = s->w.combo;
         const int index = settlement->currentIndex();
@@ -431,10 +522,10 @@ void EntryPage::fillRates(QComboBox* settlement) {
 void EntryPage::var2Map(const NishumInput& n) {
     // Lists last and in their order: the months, then the settlement (which
     // fills the rates), then the rate.
-    for (Slot* s : slots_)
+    for (const auto& s : slots_)
         if (s->def->control != Control::List) showValue(*s->def, s->w, n);
     for (ListId list : {ListId::Degree, ListId::Months, ListId::Settlement, ListId::Rate})
-        for (Slot* s : slots_) {
+        for (const auto& s : slots_) {
             if (s->def->list != list) continue;
             showValue(*s->def, s->w, n);
             if (list == ListId::Settlement) fillRates(s->w.combo);
@@ -443,7 +534,7 @@ void EntryPage::var2Map(const NishumInput& n) {
 
 bool EntryPage::map2Var(NishumInput& n) const {
     NishumInput copy = n;
-    for (const Slot* s : slots_)
+    for (const auto& s : slots_)
         if (s->def->control != Control::Total && !readValue(*s->def, s->w, copy)) return false;
     for (const DerivedTotal& t : derivedTotals())
         if (t.section == section_ && !storeTotal(t, copy)) return false;
@@ -453,7 +544,7 @@ bool EntryPage::map2Var(NishumInput& n) const {
 
 QMap<QString, QString> EntryPage::rawTexts() const {
     QMap<QString, QString> texts;
-    for (const Slot* s : slots_) texts.insert(QString::fromLatin1(s->def->name), rawText(s->w));
+    for (const auto& s : slots_) texts.insert(QString::fromLatin1(s->def->name), rawText(s->w));
     return texts;
 }
 
@@ -464,7 +555,7 @@ void EntryPage::setRawTexts(const QMap<QString, QString>& texts) {
         const auto it = texts.find(QString::fromLatin1(s->def->name));
         if (it != texts.end()) setRawText(s->w, *it);
     }
-    for (Slot* s : slots_) {
+    for (const auto& s : slots_) {
         const auto it = texts.find(QString::fromLatin1(s->def->name));
         if (s->def->control == Control::Total && it != texts.end()) setRawText(s->w, *it);
     }

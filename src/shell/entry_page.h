@@ -10,12 +10,15 @@
 #include <QSize>
 #include <QString>
 #include <QWidget>
+#include <map>
+#include <memory>
 #include <vector>
 
 #include "core/amount.h"
-#include "report/nishum_input.h"
+#include "report/entry_layout.h"
 
 class QComboBox;
+class QGridLayout;
 class QLineEdit;
 
 namespace zelmor::shell {
@@ -57,9 +60,13 @@ protected:
 
 private:
     struct Slot;
+    using SlotMap = std::map<const FieldDef*, std::unique_ptr<Slot>>;
     Slot* slotOf(QObject* widget) const;
     Slot* slotNamed(const char* name) const;
     void build();
+    QWidget* buildBlock(const EntryBlock& block, SlotMap& placed);
+    void addRow(QGridLayout* grid, int r, const EntryBlock& block, const EntryRow& row, SlotMap& placed);
+    void placeBlocks(const std::vector<QWidget*>& blocks);
     void addField(Slot& s);
     bool runLeaveRule(Slot& s);
     void refocus(Slot& s);
@@ -71,7 +78,7 @@ private:
     SectionId section_;
     const NishumInput* report_;
     Amount ceiling_;
-    std::vector<Slot*> slots_;  // catalogue order
+    std::vector<std::unique_ptr<Slot>> slots_;  // catalogue order
     std::vector<QWidget*> tabOrder_;
     QWidget* current_ = nullptr;  // the entry field that last had the focus
     bool inRule_ = false;         // a rule is showing its message or putting the focus back

@@ -7,6 +7,7 @@
 
 #include "pdf_text.h"
 #include "print/print_nishum.h"
+#include "report/entry_layout.h"
 
 using namespace zelmor;
 using namespace zelmor::test;
@@ -88,6 +89,48 @@ TEST(ReportOnPaper, NineSectionsWithCodesAmountsAndGaps) {
     EXPECT_EQ(one.size(), 1);
     expectOnPaper(one, {"טו. ניכוי במקור ותשלומים", "77. ניכוי במקור מריבית (סעיף 18,19)"});
     expectOnPaper(one, {"ג. הכנסות מיגיעה אישית"}, {}, false);
+}
+
+// Every word that the layout gives paper is printed: headings, line ranges,
+// column heads, row and cell captions (a caption broken over two lines, both).
+TEST(ReportOnPaper, EveryPaperWordOfTheLayoutIsPrinted) {
+    const QStringList pages = printed(QStringLiteral("words.pdf"), [](PrintTarget& t) {
+                                  return PrintNishum(t, kSetup, NishumInput{}, false);
+                              }).pages;
+    // Compared by letters alone: digits beside letters come back in the order they stand on paper.
+    auto letters = [](const QString& text) {
+        QString s;
+        for (QChar c : text)
+            if (c.isLetter()) s += c;
+        return s;
+    };
+    QStringList lines;
+    for (const QString& page : pages)
+        for (const QString& line : page.split(QLatin1Char('\n'))) lines << letters(line);
+    auto expectPrinted = [&](const char* words, const char* where) {
+        for (const QString& part : QString::fromUtf8(words).split(QLatin1Char('\n'))) {
+            const QString want = letters(part);
+            if (want.isEmpty()) continue;
+            EXPECT_TRUE(std::ranges::any_of(lines, [&](const QString& l) { return l.contains(want); }))
+                << where << ": " << part.toStdString();
+        }
+    };
+    for (const SectionDef& s : allSections())
+        for (const EntryBlock& b : entryLayout(s.id).blocks) {
+            if (!onPaper(b.medium)) continue;
+            expectPrinted(b.heading.paper, s.name);
+            expectPrinted(b.lines.paper, s.name);
+            for (const ColumnHead& h : b.columns) expectPrinted(h.text.paper, s.name);
+            for (const EntryRow& r : b.rows) {
+                if (!onPaper(r.medium)) continue;
+                expectPrinted(r.caption.paper, s.name);
+                for (const EntryCell& c : r.cells) {
+                    // The sex and the marital status print only the words of the options chosen.
+                    const bool chosenOnly = s.id == SectionId::Pratim && findField(s.name, c.field)->control == Control::Option;
+                    if (onPaper(c.medium) && !chosenOnly) expectPrinted(c.caption.paper, c.field);
+                }
+            }
+        }
 }
 
 TEST(ResultsOnPaper, EmptySheetsTakeBackTheirGapAndInsuranceWaitsForItsOwnJob) {

@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <algorithm>
 #include <memory>
 #include <ostream>
@@ -56,7 +58,10 @@ protected:
         w->setFocus(Qt::TabFocusReason);
         ASSERT_EQ(focused(), QString::fromLatin1(name));
         edit(name)->selectAll();
-        QTest::keyClicks(w, text);
+        if (text.isEmpty())
+            QTest::keyClick(w, Qt::Key_Delete);
+        else
+            QTest::keyClicks(w, text);
         QTest::keyClick(w, Qt::Key_Return);
     }
 
@@ -277,6 +282,33 @@ TEST_F(EntryPageTest, FemaleWordingOfTheMaritalOptions) {
     EXPECT_EQ(caption("isAlman"), QStringLiteral("אלמן"));
 }
 
+TEST_F(EntryPageTest, HowFieldsLookAndBehave) {
+    report.Pratim.LastNameM = "כהן";
+    open(SectionId::Pratim);
+    // An empty date shows its mask; numbers read left to right inside the page.
+    EXPECT_EQ(edit("BirthDateM")->displayText(), QStringLiteral("  /  /    "));
+    EXPECT_EQ(edit("BirthDateM")->layoutDirection(), Qt::LeftToRight);
+    // The field Enter reaches has its text selected, ready to be typed over.
+    QTest::keyClick(field("IDM"), Qt::Key_Return);
+    EXPECT_EQ(focused(), QStringLiteral("LastNameM"));
+    EXPECT_EQ(edit("LastNameM")->selectedText(), QStringLiteral("כהן"));
+    // Options of one group exclude each other.
+    auto* married = qobject_cast<QAbstractButton*>(field("isNasuy"));
+    auto* single = qobject_cast<QAbstractButton*>(field("isRavak"));
+    married->click();
+    single->click();
+    EXPECT_FALSE(married->isChecked());
+    NishumInput n;
+    ASSERT_TRUE(page->map2Var(n));
+    EXPECT_TRUE(n.Pratim.isRavak);
+    EXPECT_FALSE(n.Pratim.isNasuy);
+
+    open(SectionId::Yegia);
+    EXPECT_EQ(edit("N150")->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight | Qt::AlignAbsolute);
+    EXPECT_TRUE(edit("TTLM")->isReadOnly());
+    EXPECT_EQ(edit("TTLM")->focusPolicy(), Qt::NoFocus);
+}
+
 TEST_F(EntryPageTest, PageKeysFromAnyField) {
     open(SectionId::Pratim);
     QSignalSpy spy(page.get(), &EntryPage::pageKey);
@@ -285,6 +317,37 @@ TEST_F(EntryPageTest, PageKeysFromAnyField) {
     ASSERT_EQ(spy.count(), 2);
     EXPECT_EQ(spy[0][0].toInt(), int(Qt::Key_PageDown));
     EXPECT_EQ(spy[1][0].toInt(), int(Qt::Key_PageUp));
+}
+
+// With a real message box (no recorder), the box's own focus changes must not
+// run the check again, and the focus ends in the refused field.
+TEST(EntryPageModal, RefusalThroughARealBoxKeepsTheFocus) {
+    NishumInput report;
+    EntryPage page(SectionId::Yegia, &report);
+    page.show();
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    page.focusFirst();
+    int boxes = 0;
+    std::function<void()> closeBox = [&] {
+        if (QWidget* box = QApplication::activeModalWidget()) {
+            ++boxes;
+            box->close();
+        } else {
+            QTimer::singleShot(0, closeBox);
+        }
+    };
+    QTimer::singleShot(0, closeBox);
+    QWidget* n150 = page.fieldWidget(QStringLiteral("N150"));
+    QTest::keyClicks(n150, QStringLiteral("x"));
+    QTest::keyClick(n150, Qt::Key_Return);
+    EXPECT_EQ(boxes, 1);
+    // The field is the page's focus, which it gets back as the window is active again.
+    EXPECT_EQ(page.focusWidget(), n150);
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    EXPECT_EQ(QApplication::focusWidget(), n150);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(n150)->text(), QStringLiteral("x"));
 }
 
 // Each section of a generated report goes to the screen and back unchanged.
@@ -348,32 +411,37 @@ TEST_F(EntryPageTest, AccessibleNamesTellTheColumnsApart) {
     }
 }
 
-// Nothing of any page lies outside it or is cut short.
+// Nothing of any page lies outside it, covers something else or is cut short.
 TEST_F(EntryPageTest, EveryPageFitsItsArea) {
     for (SectionId s : kAllSections) {
         SCOPED_TRACE(nameOf(s));
         open(s);
         const QRect area = page->rect();
         EXPECT_EQ(area.size(), EntryPage::childSize());
+        // The texts and fields (plain QWidgets only group them).
+        std::vector<std::pair<QWidget*, QRect>> parts;
         for (QWidget* w : page->findChildren<QWidget*>()) {
-            if (!w->isVisible() || w->isWindow()) continue;
-            const QRect r(w->mapTo(page.get(), QPoint(0, 0)), w->size());
-            EXPECT_TRUE(area.contains(r)) << w->objectName().toStdString() << " " << w->metaObject()->className();
+            if (!w->isVisible() || w->isWindow() || w->metaObject() == &QWidget::staticMetaObject) continue;
+            parts.emplace_back(w, QRect(w->mapTo(page.get(), QPoint(0, 0)), w->size()));
+        }
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            auto [w, r] = parts[i];
+            const std::string what = w->objectName().toStdString() + " " + w->metaObject()->className();
+            EXPECT_TRUE(area.contains(r)) << what;
+            EXPECT_TRUE(w->parentWidget()->rect().contains(w->geometry())) << what;  // nothing cut by its block
+            for (std::size_t k = i + 1; k < parts.size(); ++k)
+                EXPECT_FALSE(r.intersects(parts[k].second)) << what << " / " << parts[k].first->objectName().toStdString();
             if (auto* l = qobject_cast<QLabel*>(w)) {
-                EXPECT_GE(l->width(), l->sizeHint().width()) << l->text().toStdString();
+                EXPECT_GE(l->width(), l->minimumWidth()) << l->text().toStdString();
+                if (l->wordWrap())
+                    EXPECT_GE(l->height(), l->heightForWidth(l->width())) << l->text().toStdString();
+                else
+                    EXPECT_GE(l->width(), l->sizeHint().width()) << l->text().toStdString();
             }
             if (auto* b = qobject_cast<QAbstractButton*>(w)) {
                 EXPECT_GE(b->width(), b->sizeHint().width()) << b->text().toStdString();
             }
         }
-        // No text or field covers another.
-        const QList<QWidget*> parts = page->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
-        for (qsizetype i = 0; i < parts.size(); ++i)
-            for (qsizetype k = i + 1; k < parts.size(); ++k)
-                if (parts[i]->isVisible() && parts[k]->isVisible()) {
-                    EXPECT_FALSE(parts[i]->geometry().intersects(parts[k]->geometry()))
-                        << parts[i]->objectName().toStdString() << " / " << parts[k]->objectName().toStdString();
-                }
         const QString dir = qEnvironmentVariable("ZELMOR_ENTRY_SHOTS");
         if (!dir.isEmpty()) {
             QDir().mkpath(dir);
