@@ -154,6 +154,10 @@ void ClsPrint::NextLine(float lines) {
     if (LinePos > scaleHeight_ - 5) LinePos = PrintEndPage(false);
 }
 
+void ClsPrint::KeepLines(float lines) {
+    if (painter_ && LinePos + lines > scaleHeight_ - 5) LinePos = PrintEndPage(false);
+}
+
 float ClsPrint::PrintEndPage(bool bEndDoc) {
     if (!painter_) return 0;
     const float line = LinePos;
@@ -174,6 +178,13 @@ float ClsPrint::PrintEndPage(bool bEndDoc) {
 double ClsPrint::TextWidth(const QString& text) const {
     if (!painter_ || colW_ <= 0) return 0;
     return QFontMetricsF(font_, painter_->device()).horizontalAdvance(text) / colW_;
+}
+
+double ClsPrint::TextWidth(const QString& text, bool bold) const {
+    if (!painter_ || colW_ <= 0) return 0;
+    QFont f = font_;
+    f.setBold(bold);
+    return QFontMetricsF(f, painter_->device()).horizontalAdvance(text) / colW_;
 }
 
 void ClsPrint::SetFontSize(int points) {

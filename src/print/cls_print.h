@@ -53,9 +53,14 @@ public:
     void PrintString(double x, const QString& text, bool bold);
     // Moves LinePos; turns the page when it passes the last line of a page.
     void NextLine(float lines);
+    // Turns the page now unless `lines` more lines fit on this one: a heading
+    // starts where the lines that belong to it fit too.
+    void KeepLines(float lines);
 
     // The width of a text in columns, in the present font.
     double TextWidth(const QString& text) const;
+    // The same in the present size, bold or not.
+    double TextWidth(const QString& text, bool bold) const;
     int FontSize() const { return fontSize_; }
     void SetFontSize(int points);
     void SetFontUnderline(bool on);

@@ -303,8 +303,10 @@ const std::vector<Line>& nekudotLines() {
          1},
         {{L(7, w.row("N224")), C(50, "N224"), C(70, "N324", w.cell("N324"))}, 1},
         {{LA(7, "60. ", w.row("N024")), C(50, "N024"), C(70, "N124", w.cell("N124"))}, 1},
-        {{L(7, w.row("N181")), {.col = 50, .field = "N181", .code = true, .fmt = Fmt::List},
-          {.col = 70, .text = w.cell("N182"), .field = "N182", .code = true, .fmt = Fmt::List}},
+        // The degree texts are wider than the columns of the lines above:
+        // both move right, clear of the caption and of each other.
+        {{L(7, w.row("N181")), {.col = 40, .field = "N181", .code = true, .fmt = Fmt::List},
+          {.col = 63, .text = w.cell("N182"), .field = "N182", .code = true, .fmt = Fmt::List}},
          0},
     };
     return lines;
@@ -364,8 +366,9 @@ const std::vector<Line>& tashlumimLines() {
         plain(nullptr, "OdfotM", "OdfotF", "Odfot"),
         {{LA(7, "79. ", w.note("MikdamotM", -1))}, 1},
         plain("79. שו", "MikdamotM", "MikdamotF", "Mikdamot"),
-        plain("79. שו", "TashlumimM", "TashlumimF", "Tashlumim", 0.5),
-        {{}, 1, {{35, 45, 1}, {55, 65, 1}, {75, 85, 1}}},
+        // The rules stand under the amounts of this line, not through them.
+        plain("79. שו", "TashlumimM", "TashlumimF", "Tashlumim"),
+        {{}, 0.5, {{35, 45, 1}, {55, 65, 1}, {75, 85, 1}}},
         {{Bold(7, w.row("TashTTLM")), {.col = 35, .field = "TashTTLM", .bold = true},
           {.col = 55, .field = "TashTTLF", .bold = true}, {.col = 75, .field = "TashTTL", .bold = true}},
          0},

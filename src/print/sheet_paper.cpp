@@ -4,6 +4,9 @@
 // lays the rows out in its own columns.
 
 #include <QString>
+#include <array>
+#include <vector>
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -36,6 +39,8 @@ public:
 
     // The common head of a sheet: the title two points larger, a heavy rule.
     void title() {
+        // The title, its rule, the heads and a first row start on one page.
+        p_.KeepLines(1.5f + static_cast<float>(headLines(0)) + 1);
         p_.SetFontSize(p_.FontSize() + 2);
         p_.PrintString(5, QString::fromStdString(paperTitle(sheet_, params_)), true);
         p_.SetFontSize(p_.FontSize() - 2);
@@ -45,7 +50,14 @@ public:
     }
     // The column heads of a block, bold, underlined or not, a line for each
     // line of heads.
+    int headLines(int block) const {
+        int lines = 0;
+        for (const SheetHead& h : layout_.blocks[static_cast<std::size_t>(block)].heads)
+            if (h.paperColumn != 0) lines = std::max(lines, h.line + 1);
+        return lines;
+    }
     void heads(int block = 0) {
+        p_.KeepLines(static_cast<float>(headLines(block)) + 1);
         const auto all = layout_.blocks[static_cast<std::size_t>(block)].heads;
         for (int line = 0;; ++line) {
             bool any = false;
@@ -60,6 +72,21 @@ public:
             p_.NextLine(1);
         }
     }
+    // Columns for cells that stand one after the other on a row: each at its
+    // own column, or half a column clear of the widest text before it when
+    // that text reaches it. widths[i]: the widest text of column i.
+    static std::vector<double> flow(double captionEnd, std::initializer_list<double> cols,
+                                    const std::vector<double>& widths) {
+        std::vector<double> out;
+        double end = captionEnd;
+        for (double col : cols) {
+            out.push_back(std::max(col, end + 0.5));
+            end = out.back() + widths[out.size() - 1];
+        }
+        return out;
+    }
+    double width(const QString& text, bool bold = false) const { return p_.TextWidth(text, bold); }
+
     void rules(std::initializer_list<Span> spans, int width) {
         for (const Span& s : spans) p_.PrintLine(s.from, p_.LinePos, s.to, p_.LinePos, width);
     }
@@ -188,16 +215,32 @@ void printMeyuchad(SheetPrinter& s) {
         if (!r.total) gross += s.value(r.fields[0] ? r.fields[0] : r.fields[2]);
     if (gross == 0) return p.NextLine(-3);
     s.title();
+    // The texts of a row in column order; the gross and its deduction only when there is a deduction.
+    const auto& decor = s.layout_.blocks[0].decor;
+    auto texts = [&](const SheetRow& r) {
+        const bool deducted = r.fields[1] && s.value(r.fields[1]) != 0;
+        const QString deduction = QLatin1Char(' ') + QString::fromUtf8(decor[1].before) + QLatin1Char(' ');
+        return std::array<QString, 6>{deducted ? s.amount(r.fields[0]) : QString(),
+                                      deducted ? deduction + s.amount(r.fields[1]) : QString(),
+                                      s.amount(r.fields[2]), QString::fromUtf8(decor[3].before),
+                                      s.amount(r.fields[3]) + QString::fromUtf8(decor[3].after), s.amount(r.fields[4])};
+    };
+    // A long caption pushes the gross amounts of the whole sheet aside, so
+    // they stay in one column.
+    double captionEnd = 0;
+    std::vector<double> widths(6, 0.0);
+    for (int block = 0; block < 2; ++block)
+        for (const SheetRow* r : shownRows(s.out_, SheetId::CMeyuchad, s.params_, block, true)) {
+            const auto t = texts(*r);
+            if (!t[0].isEmpty()) captionEnd = std::max(captionEnd, 7 + s.width(QString::fromUtf8(r->paperCaption)));
+            for (std::size_t i = 0; i < t.size(); ++i) widths[i] = std::max(widths[i], s.width(t[i]));
+        }
+    const std::vector<double> cols = SheetPrinter::flow(captionEnd, {25, 35, 55, 65, 67, 75}, widths);
     auto row = [&](const SheetRow& r) {
         p.PrintString(7, QString::fromUtf8(r.paperCaption), false);
-        if (r.fields[1] && s.value(r.fields[1]) != 0) {
-            p.PrintString(25, s.amount(r.fields[0]), false);
-            p.PrintString(35, QStringLiteral(" בניכוי ") + s.amount(r.fields[1]), false);
-        }
-        p.PrintString(55, s.amount(r.fields[2]), false);
-        p.PrintString(65, QStringLiteral("X"), false);
-        p.PrintString(67, s.amount(r.fields[3]) + QStringLiteral("% ="), false);
-        p.PrintString(75, s.amount(r.fields[4]), false);
+        const auto t = texts(r);
+        for (std::size_t i = 0; i < t.size(); ++i)
+            if (!t[i].isEmpty()) p.PrintString(cols[i], t[i], false);
     };
     s.heads(0);
     s.details(0, row);
@@ -219,18 +262,36 @@ void printZikuim(SheetPrinter& s) {
         return p.NextLine(-3);
     s.title();
     s.heads(0);
-    // A credit by points: the worth of a point times the points, and the credit.
-    const QString pointWorth = amountText(s.params_.pointWorth) + QStringLiteral(" X");
+    // A credit by points: the worth of a point times the points, and the
+    // credit, for each person. A caption too long for its place pushes the
+    // columns aside for the whole block.
+    const SlotDecor& points = s.layout_.blocks[0].decor[0];
+    const QString pointWorth = amountText(s.params_.pointWorth) + QLatin1Char(' ') + QString::fromUtf8(points.before);
+    auto texts = [&](const SheetRow& r) {
+        std::array<QString, 6> t;
+        for (int person = 0; person < 2; ++person) {
+            if (!r.fields[static_cast<std::size_t>(person * 2)]) continue;
+            t[static_cast<std::size_t>(person * 3)] = pointWorth;
+            t[static_cast<std::size_t>(person * 3 + 1)] = QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2)) +
+                                                          QLatin1Char(' ') + QString::fromUtf8(points.after);
+            t[static_cast<std::size_t>(person * 3 + 2)] =
+                QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2 + 1));
+        }
+        return t;
+    };
+    double captionEnd = 0;
+    std::vector<double> widths(6, 0.0);
+    for (const SheetRow* r : shownRows(s.out_, SheetId::CZikuim, s.params_, 0, true)) {
+        captionEnd = std::max(captionEnd, 7 + s.width(QString::fromUtf8(r->paperCaption)));
+        const auto t = texts(*r);
+        for (std::size_t i = 0; i < t.size(); ++i) widths[i] = std::max(widths[i], s.width(t[i]));
+    }
+    const std::vector<double> pointCols = SheetPrinter::flow(captionEnd, {20, 27, 40, 55, 62, 75}, widths);
     s.details(0, [&](const SheetRow& r) {
         p.PrintString(7, QString::fromUtf8(r.paperCaption), false);
-        for (int person = 0; person < 2; ++person) {
-            const char* points = r.fields[person * 2];
-            if (!points) continue;
-            const double shift = person * 35;
-            p.PrintString(20 + shift, pointWorth, false);
-            p.PrintString(27 + shift, QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2)) + QStringLiteral(" ="), false);
-            p.PrintString(40 + shift, QString::fromStdString(cellText(s.out_, SheetId::CZikuim, r, person * 2 + 1)), false);
-        }
+        const auto t = texts(r);
+        for (std::size_t i = 0; i < t.size(); ++i)
+            if (!t[i].isEmpty()) p.PrintString(pointCols[i], t[i], false);
     });
     p.NextLine(1);
     s.heads(1);

@@ -189,7 +189,11 @@ const SheetRow kZikuim[] = {
     ZELMOR_C_ROW(16, "037", "237", "N037", "N237", "70. תרומות", "70. תרומות"),
     ZELMOR_C_ROW(17, "143", "144", "N143", "N144", "71. הנצחת חייל", "71. הנצחת חייל"),
     ZELMOR_C_ROW(18, "093", "193", "N093", "N193", "73. תושב ספר", "73. תושב ספר"),
-    ZELMOR_C_ROW(19, "AcherimM", "AcherimF", "AcherimM", "AcherimF", "אחרים", "  . אחרים"),
+    // Other credits have no rate on the screen; paper prints it.
+    {.block = 1, .index = 19, .key = "AcherimM", .screenCaption = "אחרים", .paperCaption = "  . אחרים",
+     .fields = F{"AcherimM", "HUTAR_AcherimM", "RATE_AcherimM", "ZIKUY_AcherimM", "AcherimF", "HUTAR_AcherimF",
+                 "RATE_AcherimF", "ZIKUY_AcherimF"},
+     .test = T{"AcherimM", "HUTAR_AcherimM", "AcherimF", "HUTAR_AcherimF"}, .screenOmits = 0b01000100},
     ZELMOR_C_ROW(20, "MishmarotM", "MishmarotF", "MishmarotM", "MishmarotF", "4. משמרות", "4. משמרות"),
     {.block = 1, .index = 21, .key = "ODEF", .screenCaption = "    עודף זיכויים", .paperCaption = "עודף זיכויים",
      .fields = F{nullptr, nullptr, nullptr, "ZIKUY_ODEF_M", nullptr, nullptr, nullptr, "ZIKUY_ODEF_F"},

@@ -42,6 +42,7 @@ struct SheetRow {
     RowRate rate = RowRate::None;  // the caption is followed by this rate (national insurance sheet)
     bool total = false;            // a total or summary row below the detail rows of its block
     const char* closing = "";      // closes the row after its last amount (the bracket of a "basis" row)
+    unsigned screenOmits = 0;      // bit i: the screen leaves slot i out (paper prints it)
 };
 
 // The rows of a sheet, top to bottom (blocks in order).

@@ -146,7 +146,7 @@ void SheetCanvas::addRow(const SheetRow& row, double top) {
 
     for (int slot = 0; slot < 8; ++slot) {
         const char* field = row.fields[static_cast<std::size_t>(slot)];
-        if (!field) continue;
+        if (!field || (row.screenOmits & (1u << slot))) continue;
         const Box box = block.cells[static_cast<std::size_t>(slot)];
         const QString name = QString::fromUtf8(field);
         if (summaryDate && slot == 3) {

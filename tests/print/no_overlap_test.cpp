@@ -1,0 +1,175 @@
+// No text printed over text: the results and the report of many generated
+// reports are printed and read back word by word with their boxes; no two
+// words of a page may touch, and no heading may stand alone at the foot of a page.
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <map>
+
+#include "engine/calc.h"
+#include "pdf_text.h"
+#include "print/paper.h"
+#include "print/print_nishum.h"
+#include "support/fixed_madad.h"
+#include "support/report_generator.h"
+
+using namespace zelmor;
+using namespace zelmor::test;
+
+namespace {
+
+const PrintSetup kSetup{QStringLiteral("/nonexistent"), *Date::fromYmd(2016, 6, 30), {}};
+
+// The generator's reports, bent towards what crowds a page: degrees and
+// settlements on both spouses, special-rate income under large deductions.
+std::vector<NishumInput> crowdedReports(int count) {
+    zelmor::testing::ReportGenerator gen(20151231);
+    std::vector<NishumInput> reports;
+    for (int i = 0; i < count; ++i) {
+        NishumInput r = gen.next();
+        if (i % 3 == 0) {
+            r.Nekudot.N181 = static_cast<std::int16_t>(1 + i % 5);
+            r.Nekudot.N182 = static_cast<std::int16_t>(5 - i % 5);
+            r.Zikuim.N093 = 1 + i % 2;
+            r.Zikuim.N193 = 2 - i % 2;
+        }
+        if (i % 4 == 1) {
+            // Business losses are set off against the special-rate income,
+            // which then prints its gross amount and the deduction.
+            r.Yegia.N150 -= 400000;
+            r.Yegia.TTLM -= 400000;
+            r.Yegia.N170 -= 300000;
+            r.Yegia.TTLF -= 300000;
+            for (Amount* a : {&r.Rechush.N211, &r.Rechush.N212, &r.Rechush.N213, &r.Rechush.N217, &r.Rechush.N226,
+                              &r.Rechush.N242, &r.Rechush.N257, &r.Rechush.N311, &r.Rechush.N312, &r.Rechush.N313,
+                              &r.Rechush.N317, &r.Rechush.N326, &r.Rechush.N342, &r.Rechush.N357})
+                *a += 123039 + 1111111 * (i % 3);
+        }
+        reports.push_back(r);
+    }
+    return reports;
+}
+
+std::vector<PdfWord> printedWords(const QString& name, const std::function<bool(PrintTarget&)>& job) {
+    const QString path = tempPdfPath(name);
+    PdfFileTarget target(path);
+    EXPECT_TRUE(job(target));
+    QString error;
+    EXPECT_TRUE(target.finish(&error)) << error.toStdString();
+    return pdfWords(path);
+}
+
+// Two words of one line touch when less than a blank's width apart (the
+// words of one text stand a blank apart); lines may share a sliver.
+bool touch(const PdfWord& a, const PdfWord& b) {
+    constexpr double kGap = 1.5, kSliver = 0.3;  // points
+    return a.page == b.page && a.xMin < b.xMax + kGap && b.xMin < a.xMax + kGap && a.yMin < b.yMax - kSliver &&
+           b.yMin < a.yMax - kSliver;
+}
+
+// Some texts come back from pdftotext a letter at a time. Letters that abut on
+// one line are joined into the run they were printed as; texts that overlap
+// or stand apart stay separate.
+std::vector<PdfWord> runs(std::vector<PdfWord> words) {
+    std::ranges::sort(words, [](const PdfWord& a, const PdfWord& b) {
+        return std::tie(a.page, a.yMin, a.xMin) < std::tie(b.page, b.yMin, b.xMin);
+    });
+    std::vector<PdfWord> out;
+    for (const PdfWord& w : words) {
+        if (!out.empty()) {
+            PdfWord& run = out.back();
+            const double gap = w.xMin - run.xMax;
+            if (run.page == w.page && std::abs(run.yMin - w.yMin) < 0.2 && gap > -0.3 && gap < 0.5) {
+                run.xMax = std::max(run.xMax, w.xMax);
+                run.yMax = std::max(run.yMax, w.yMax);
+                run.text += w.text;
+                continue;
+            }
+        }
+        out.push_back(w);
+    }
+    return out;
+}
+
+void expectNoWordsTouch(const std::vector<PdfWord>& printed, const QString& what) {
+    const std::vector<PdfWord> words = runs(printed);
+    for (std::size_t i = 0; i < words.size(); ++i)
+        for (std::size_t j = i + 1; j < words.size(); ++j)
+            if (touch(words[i], words[j]))
+                ADD_FAILURE() << what.toStdString() << " page " << words[i].page << ": \"" << words[i].text.toStdString()
+                              << "\" touches \"" << words[j].text.toStdString() << "\"";
+}
+
+// The words that only head what follows them: the sheets' titles and column
+// heads, and any word in a larger type than the body (the sections' titles).
+QSet<QString> headingWords() {
+    QSet<QString> words;
+    SheetParams params;
+    params.yearDoch = 2015;
+    for (const SheetDef& s : allSheets()) {
+        for (const QString& w : QString::fromStdString(paperTitle(s.id, params)).split(' ', Qt::SkipEmptyParts)) words << w;
+        for (const BlockLayout& b : sheetLayout(s.id).blocks)
+            for (const SheetHead& h : b.heads)
+                for (const QString& w : QString::fromUtf8(h.text).split(' ', Qt::SkipEmptyParts)) words << w;
+    }
+    return words;
+}
+
+void expectNoHeadingAtTheFoot(const std::vector<PdfWord>& words, const QString& what) {
+    static const QSet<QString> heads = headingWords();
+    std::map<int, std::map<int, std::vector<const PdfWord*>>> lines;  // page -> line -> words
+    for (const PdfWord& w : words) lines[w.page][static_cast<int>(std::lround(lineOf(w) * 2))].push_back(&w);
+    const int lastPage = lines.empty() ? 0 : lines.rbegin()->first;
+    for (auto& [page, pageLines] : lines) {
+        if (page == lastPage || pageLines.size() < 2) continue;
+        // The last line is the page number; the one above it ends the page's text.
+        const auto& last = std::prev(pageLines.end(), 2)->second;
+        const bool heading = std::ranges::all_of(last, [](const PdfWord* w) {
+            return heads.contains(w->text) || w->yMax - w->yMin > 13.0 || w->text.contains(QRegularExpression("^[\\d.\"-]+$"));
+        });
+        const bool allNumbers = std::ranges::all_of(
+            last, [](const PdfWord* w) { return w->text.contains(QRegularExpression("^[\\d.,%\"-]+$")); });
+        if (heading && !allNumbers) {
+            QStringList texts;
+            for (const PdfWord* w : last) texts << w->text;
+            ADD_FAILURE() << what.toStdString() << " page " << page << " ends with a heading: "
+                          << texts.join(' ').toStdString();
+        }
+    }
+}
+
+}  // namespace
+
+TEST(NoTextOverText, ResultsAndReportsOfGeneratedReports) {
+    zelmor::testing::FixedMadad madad;
+    const ConstDoch c;
+    // Covering letters of different lengths move every block up and down the pages.
+    QTemporaryDir dataDir;
+    const PrintSetup setup{dataDir.path(), kSetup.today, {}};
+    int n = 0;
+    for (const NishumInput& report : crowdedReports(36)) {
+        QFile letter(dataDir.filePath(QStringLiteral("PNIA.TXT")));
+        ASSERT_TRUE(letter.open(QIODevice::WriteOnly));
+        for (int line = 0; line < n % 23; ++line) letter.write("שורה של מכתב\n");
+        letter.close();
+        const CalcResult r = CalcDoch(report, c, madad, kSetup.today);
+        const QString tag = QStringLiteral("report %1 (mode %2)").arg(n).arg(r.FilingMode);
+        const auto sheets = printedWords(QStringLiteral("sheets%1.pdf").arg(n), [&](PrintTarget& t) {
+            return PrintNishum(t, setup, report, r.out, false, false);
+        });
+        const auto bl = printedWords(QStringLiteral("bl%1.pdf").arg(n), [&](PrintTarget& t) {
+            return PrintNishum(t, setup, report, r.out, false, true);
+        });
+        const auto sections = printedWords(QStringLiteral("report%1.pdf").arg(n), [&](PrintTarget& t) {
+            return PrintNishum(t, setup, report, false);
+        });
+        expectNoWordsTouch(sheets, tag + " sheets");
+        expectNoWordsTouch(bl, tag + " insurance");
+        expectNoWordsTouch(sections, tag + " sections");
+        expectNoHeadingAtTheFoot(sheets, tag + " sheets");
+        expectNoHeadingAtTheFoot(sections, tag + " sections");
+        ++n;
+    }
+}

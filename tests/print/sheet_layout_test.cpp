@@ -1,0 +1,145 @@
+// The sheets' layout data, which screen and paper share: the walk places every
+// row it can show, in order and at the distances the sheets are drawn with,
+// the boxes of a block do not overlap, and captions made from values read right.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "results/sheet_layout.h"
+
+using namespace zelmor;
+
+namespace {
+
+const SheetParams kParams{.yearDoch = 2015,
+                          .pointWorth = 2616,
+                          .bracketRates = {0.1, 0.14, 0.21, 0.31, 0.34, 0.48, 0.5},
+                          .blRates = {0.0287, 0.0983, 0.0719, 0.1216}};
+
+// Every field of every sheet at `v` (dates too): every row that tests a sum is shown.
+NishumOutput filled(double v) {
+    NishumOutput out;
+    for (const SheetFieldDef& f : allSheetFields()) switch (f.type) {
+            case SheetFieldType::Amount: f.ref<Amount>(out) = static_cast<std::int32_t>(v); break;
+            case SheetFieldType::Double: f.ref<double>(out) = v; break;
+            case SheetFieldType::Date: f.ref<Date>(out) = *Date::fromYmd(2016, 6, 30); break;
+        }
+    return out;
+}
+
+std::map<std::string, int> rowY(const NishumOutput& out, SheetId sheet) {
+    std::map<std::string, int> y;
+    for (const Placed& p : placeRows(out, sheet, kParams))
+        if (p.what == WalkStep::Row) y[std::to_string(p.row->block) + ":" + p.row->key] = p.y;
+    return y;
+}
+
+bool overlap(Box a, Box b) { return a.from < b.to && b.from < a.to; }
+
+}  // namespace
+
+TEST(SheetLayout, TheWalkPlacesEveryRowOnceInOrder) {
+    NishumOutput out = filled(1);
+    out.Nikuim.TTLM3 = 2;  // the last deductions total shows only when it differs
+    for (const SheetDef& s : allSheets()) {
+        SCOPED_TRACE(s.name);
+        int last = -1, rows = 0;
+        for (const Placed& p : placeRows(out, s.id, kParams)) {
+            if (p.what != WalkStep::Row) continue;
+            EXPECT_GT(p.y, last) << p.row->key;
+            last = p.y;
+            ++rows;
+        }
+        // Every row but the levy of another tax year.
+        int expected = 0;
+        for (const SheetRow& r : sheetRows(s.id)) expected += r.show != RowShow::Year2002;
+        EXPECT_EQ(rows, expected);
+        for (const Walk& w : sheetLayout(s.id).walk)
+            if (*w.key) {
+                EXPECT_NE(findSheetRow(s.id, w.key), nullptr) << w.key;
+            }
+    }
+}
+
+TEST(SheetLayout, RowsThatSumToZeroTakeNoPlace) {
+    NishumOutput out;
+    out.Hishuv.MSUM_1 = 1000;
+    out.Hishuv.MSUM_TTL = 1000;
+    auto y = rowY(out, SheetId::CHishuv);
+    ASSERT_EQ(y.size(), 2u);
+    EXPECT_EQ(y["0:1"], 1800);
+    EXPECT_EQ(y["0:TTL"], 1800 + 400);  // a row, then the rules between it and the total
+
+    out.Hachnasot.N150 = 500;
+    out.Hachnasot.N170 = -500;  // cancels out: hidden
+    out.Hachnasot.N158 = 700;
+    y = rowY(out, SheetId::CHachnasot);
+    EXPECT_FALSE(y.contains("0:N150"));
+    EXPECT_EQ(y["0:N158"], 600);
+    EXPECT_EQ(y["0:TTL"], 600 + 250 + 200);
+
+    // The special-rate sheet: the spouse's heads under the first total, then the spouse's block.
+    out.Meyuchad.NET_211 = 10;
+    out.Meyuchad.NET_311 = 10;
+    y = rowY(out, SheetId::CMeyuchad);
+    EXPECT_EQ(y["0:TTLM"], 600 + 250 + 150);
+    EXPECT_EQ(y["1:311"], y["0:TTLM"] + 350 + 350);
+}
+
+TEST(SheetLayout, BoxesOfABlockDoNotOverlap) {
+    for (const SheetDef& s : allSheets()) {
+        const SheetLayout& l = sheetLayout(s.id);
+        for (std::size_t b = 0; b < l.blocks.size(); ++b) {
+            SCOPED_TRACE(std::string(s.name) + " block " + std::to_string(b));
+            const BlockLayout& block = l.blocks[b];
+            // The cells of one row stand side by side.
+            for (const SheetRow& r : sheetRows(s.id)) {
+                if (r.block != static_cast<int>(b)) continue;
+                std::vector<Box> used;
+                for (std::size_t slot = 0; slot < 8; ++slot)
+                    if (r.fields[slot]) used.push_back(block.cells[slot]);
+                for (std::size_t i = 0; i < used.size(); ++i) {
+                    EXPECT_LT(used[i].from, used[i].to) << r.key;
+                    EXPECT_GE(used[i].from, 0);
+                    EXPECT_LE(used[i].to, 1000);
+                    for (std::size_t j = i + 1; j < used.size(); ++j) EXPECT_FALSE(overlap(used[i], used[j])) << r.key;
+                }
+            }
+            std::map<int, std::vector<Box>> headLines;
+            for (const SheetHead& h : block.heads) {
+                for (const Box& other : headLines[h.line]) EXPECT_FALSE(overlap(h.box, other)) << h.text;
+                headLines[h.line].push_back(h.box);
+            }
+        }
+    }
+}
+
+TEST(SheetLayout, TitlesDecimalsAndCaptionsMadeFromValues) {
+    EXPECT_EQ(screenTitle(SheetId::CTashlumim, kParams), "תשלומים על חשבון המס לשנת 2015");
+    EXPECT_EQ(paperTitle(SheetId::CTashlumim, kParams), "6. תשלומים על חשבון המס לשנת 2015");
+    EXPECT_EQ(paperTitle(SheetId::CHachnasot, kParams), "1. הכנסות בשיעורי מס רגילים");
+    EXPECT_EQ(screenTitle(SheetId::CMain, kParams), "חישוב המס המגיע לשנת 2015");
+
+    NishumOutput out;
+    out.Zikuim.NEKUDA_020M = 2.25;
+    out.Zikuim.ZIKUY_020M = 5886;
+    const SheetRow& points = *findSheetRow(SheetId::CZikuim, "020M");
+    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 0), "2.25");
+    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 1), "5,886");
+    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 2), "");  // a zero is a blank
+
+    const SheetRow& azmai = *findSheetRow(SheetId::CBL, "AZMAI_MUF");
+    EXPECT_EQ(rowCaption(out, SheetId::CBL, azmai, Medium::Screen, kParams), "\"עובד עצמאי\" 2.87%");
+    EXPECT_EQ(rowCaption(out, SheetId::CHishuv, *findSheetRow(SheetId::CHishuv, "3"), Medium::Paper, kParams),
+              "21.00%");
+
+    out.Main.RibitDate = *Date::fromYmd(2016, 6, 30);
+    const SheetRow& ribit = *findSheetRow(SheetId::CMain, "Ribit");
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams), "ריבית והצמדה ליום 30/06/2016");
+    EXPECT_EQ(exemptionText(out.Main), "");
+    out.Main.PtorRibit = 1234;
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams),
+              "ריבית והצמדה ליום 30/06/2016 בניכוי פטור 1,234");
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Screen, kParams), "ריבית והצמדה ליום");
+    EXPECT_EQ(exemptionText(out.Main), "בניכוי פטור 1,234");
+}
