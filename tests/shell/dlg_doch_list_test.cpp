@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemModel>
-#include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -10,28 +9,18 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "report/report_json.h"
 #include "shell/dlg_doch_list.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "storage/report_db.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
+using namespace zelmor::shell::testing;
 
 namespace {
 
-// Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).
-void typeText(QWidget* w, const QString& text) {
-    for (const QChar ch : text) QTest::sendKeyEvent(QTest::Click, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-}
-
 const QString kNoRow = QStringLiteral("לא נבחר אף נישום לפתיחה");
-
-NishumInput goldenReport(const char* name) {
-    QFile f(QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/") + QLatin1String(name));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << name;
-    return parseReportDocument(f.readAll().toStdString());
-}
 
 class DochListTest : public ::testing::Test {
 protected:
@@ -41,7 +30,7 @@ protected:
     }
     void fill() {
         for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
-            ASSERT_TRUE(db->saveNishum(goldenReport(name)).ok) << name;
+            ASSERT_TRUE(db->saveNishum(goldenReport(QLatin1String(name))).ok) << name;
     }
     static QStringList column(DochListDialog& dlg, int col) {
         QStringList out;

@@ -10,25 +10,20 @@
 #include <QtTest>
 
 #include "engine/const_doch.h"
-#include "report/report_json.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"
 #include "shell/dlg_sim.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
+using namespace zelmor::shell::testing;
 
 namespace {
-
-NishumInput goldenReport(const char* name) {
-    QFile f(QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/") + QLatin1String(name));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly));
-    return parseReportDocument(f.readAll().toStdString());
-}
 
 void shoot(QWidget& w, const QString& folder, const char* name) {
     w.show();
@@ -45,7 +40,7 @@ TEST(DialogShots, EveryDialog) {
 
     storage::ReportDb db(dir.filePath(QStringLiteral("D2015.BRK")).toStdString());
     for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
-        db.saveNishum(goldenReport(name));
+        db.saveNishum(goldenReport(QLatin1String(name)));
     {
         DochListDialog dlg(db);
         shoot(dlg, folder, "doch_list");
@@ -56,7 +51,7 @@ TEST(DialogShots, EveryDialog) {
     MadadTable madad(dir.path());
     const ConstDoch c;
     const Date today = *Date::fromYmd(2016, 6, 30);
-    NishumInput report = goldenReport("couple.json");
+    NishumInput report = goldenReport(QStringLiteral("couple.json"));
     const struct {
         SimQuestion q;
         Amount sum;

@@ -76,15 +76,4 @@ TEST_F(ToolsTest, Form6111StartsFromItsFolderOrSaysItCannot) {
     EXPECT_EQ(recorder.shown.size(), 2u);
 }
 
-TEST_F(ToolsTest, AddressesComeFromTheSettings) {
-    EXPECT_FALSE(tools::webSiteAddress().isEmpty());
-    EXPECT_TRUE(tools::updateAddress().isEmpty());
-    QSettings s(QStringLiteral("Zelmor"), QStringLiteral("Zelmor"));
-    s.setValue(QStringLiteral("app/webSite"), QStringLiteral("http://127.0.0.1:9/"));
-    s.setValue(QStringLiteral("tables/updateAddress"), QStringLiteral("http://127.0.0.1:9/downloads/Madad.brk"));
-    s.sync();
-    EXPECT_EQ(tools::webSiteAddress(), QStringLiteral("http://127.0.0.1:9/"));
-    EXPECT_EQ(tools::updateAddress(), QStringLiteral("http://127.0.0.1:9/downloads/Madad.brk"));
-}
-
 }  // namespace
