@@ -129,17 +129,17 @@ TEST(SheetLayout, TitlesDecimalsAndCaptionsMadeFromValues) {
     EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 2), "");  // a zero is a blank
 
     const SheetRow& azmai = *findSheetRow(SheetId::CBL, "AZMAI_MUF");
-    EXPECT_EQ(rowCaption(out, SheetId::CBL, azmai, Medium::Screen, kParams), "\"עובד עצמאי\" 2.87%");
-    EXPECT_EQ(rowCaption(out, SheetId::CHishuv, *findSheetRow(SheetId::CHishuv, "3"), Medium::Paper, kParams),
+    EXPECT_EQ(rowCaption(out, SheetId::CBL, azmai, SheetMedium::Screen, kParams), "\"עובד עצמאי\" 2.87%");
+    EXPECT_EQ(rowCaption(out, SheetId::CHishuv, *findSheetRow(SheetId::CHishuv, "3"), SheetMedium::Paper, kParams),
               "21.00%");
 
     out.Main.RibitDate = *Date::fromYmd(2016, 6, 30);
     const SheetRow& ribit = *findSheetRow(SheetId::CMain, "Ribit");
-    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams), "ריבית והצמדה ליום 30/06/2016");
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, SheetMedium::Paper, kParams), "ריבית והצמדה ליום 30/06/2016");
     EXPECT_EQ(exemptionText(out.Main), "");
     out.Main.PtorRibit = 1234;
-    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams),
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, SheetMedium::Paper, kParams),
               "ריבית והצמדה ליום 30/06/2016 בניכוי פטור 1,234");
-    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Screen, kParams), "ריבית והצמדה ליום");
+    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, SheetMedium::Screen, kParams), "ריבית והצמדה ליום");
     EXPECT_EQ(exemptionText(out.Main), "בניכוי פטור 1,234");
 }
