@@ -74,7 +74,7 @@ void BM_SaveReport(benchmark::State& state) {
     int k = 0;
     for (auto _ : state) {
         const StoreOutcome out = b.db->saveNishum(filledReport(std::to_string(100 + k % 100), k));
-        if (!out.ok) state.SkipWithError(out.text.c_str());
+        if (!out.ok) state.SkipWithError(out.detail.c_str());
         ++k;
     }
     state.SetItemsProcessed(state.iterations());
@@ -88,7 +88,7 @@ void BM_OpenReport(benchmark::State& state) {
     int k = 0;
     for (auto _ : state) {
         const StoreOutcome out = b.db->openNishum(std::to_string(100000000 + k++ % 1000), r);
-        if (!out.ok) state.SkipWithError(out.text.c_str());
+        if (!out.ok) state.SkipWithError(out.detail.c_str());
     }
     state.SetItemsProcessed(state.iterations());
 }

@@ -36,7 +36,7 @@ int runCalcAll(const Args& args) {
     const ConstDoch constants;
     int status = 0;
     try {
-        storage::ReportDb db(location, storage::ReportDb::Mode::MustExist);
+        storage::ReportDb db(location, storage::ReportDb::Mode::ReadOnly);
         storage::BatchProgress progress("zelmor-cli calc-all", "reports", db.countStored());
         std::size_t done = 0;
         std::string line;

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "cli/cli_common.h"
+#include "cli/store_words.h"
 #include "core/values.h"
 #include "report/report_json.h"
 #include "storage/report_db.h"
@@ -32,14 +33,13 @@ int runExport(const Args& args) {
         status = std::max(status, exitStatus);
     };
     try {
-        storage::ReportDb db(location, storage::ReportDb::Mode::MustExist);
+        storage::ReportDb db(location, storage::ReportDb::Mode::ReadOnly);
         db.ensureReady();
         for (const std::string& id : o.positional) {
             NishumInput report;
             const storage::StoreOutcome out = db.openNishum(id, report);
             if (!out.ok) {
-                // A stop is the database's failure; anything else is the id's.
-                fail(out.text, out.icon == storage::MessageIcon::Stop ? 1 : 2);
+                fail(storeFailureText(out), storeExitStatus(out.error));
                 continue;
             }
             try {

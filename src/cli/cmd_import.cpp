@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "cli/cli_common.h"
+#include "cli/store_words.h"
 #include "core/values.h"
 #include "storage/batch_progress.h"
 #include "storage/report_db.h"
@@ -32,6 +33,7 @@ int runImport(const Args& args) {
         db = std::make_unique<storage::ReportDb>(location);
         db->ensureReady();
     } catch (const std::exception& e) {
+        // A file of another program is refused here, before anything is written.
         std::cerr << "zelmor-cli import: " << e.what() << '\n';
         std::cout << errorDocument("environment", e.what()) << '\n';
         return 1;
@@ -54,7 +56,7 @@ int runImport(const Args& args) {
             stored += batch.size();
             progress.step(stored);
         } else {
-            refuse(out.text, 1);
+            refuse(storeFailureText(out), storeExitStatus(out.error));
             broken = true;
         }
         batch.clear();
@@ -62,13 +64,8 @@ int runImport(const Args& args) {
     const std::size_t met = forEachReport(
         o.positional,
         [&](NishumInput& report) {
-            const std::string id = trimmed(report.NishumID());
-            if (id.empty()) {
-                refuse("Pratim.IDM: " + std::string("לא ניתן לשמור ללא מספר ת.ז."), 2);
-                return;
-            }
-            if (const std::string problem = storage::idProblem(id); !problem.empty()) {
-                refuse("Pratim.IDM: " + problem, 2);
+            if (const std::string why = importIdRefusal(trimmed(report.NishumID())); !why.empty()) {
+                refuse(why, 2);
                 return;
             }
             batch.push_back(std::move(report));

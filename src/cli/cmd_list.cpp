@@ -37,7 +37,7 @@ int runList(const Args& args) {
         return 2;
     }
     try {
-        storage::ReportDb db(location, storage::ReportDb::Mode::MustExist);
+        storage::ReportDb db(location, storage::ReportDb::Mode::ReadOnly);
         const bool json = o.has("--json");
         for (const storage::NameRow& row : db.listNames(order)) {
             if (json)

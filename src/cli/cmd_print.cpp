@@ -2,7 +2,8 @@
 // insurance sheet into one PDF file. Each part asked for is a print job of its
 // own (its own page head and page numbers from 1), in the order report,
 // results, national insurance; without a part flag the report and the results
-// print. The file is written only when every job printed.
+// print. The file is written only when every job printed; "--pdf -" writes
+// the PDF to standard output.
 
 #include <QString>
 #include <cstdio>
@@ -69,12 +70,17 @@ int runPrint(const Args& args) {
         }
     }
 
+    // "--pdf -" is standard output. The place is checked before anything is printed.
     PdfFileTarget target(QString::fromStdString(o.value("--pdf")));
+    QString error;
+    if (!target.open(&error)) {
+        std::fprintf(stderr, "zelmor-cli print: cannot write the PDF file %s\n", error.toStdString().c_str());
+        return 1;
+    }
     bool ok = true;
     if (ok && wantReport) ok = PrintNishum(target, setup, *report, false);
     if (ok && wantResults) ok = PrintNishum(target, setup, *report, out, false, false);
     if (ok && wantBL) ok = PrintNishum(target, setup, *report, out, false, true);
-    QString error;
     if (!ok || !target.finish(&error)) {
         target.cancel();
         if (!error.isEmpty()) std::fprintf(stderr, "zelmor-cli print: %s\n", error.toStdString().c_str());

@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QUrl>
 #include <iostream>
+#include <memory>
 
 #include "cli/cli_common.h"
 #include "cli/commands.h"
@@ -24,8 +25,11 @@ int runUpdateTables(const Args& args) {
         std::cerr << "zelmor-cli update-tables: " << e.what() << '\n';
         return 2;
     }
-    const auto table = openMadadTable(dataDir, "update-tables", false);
-    if (!table) return 1;
+    // A table that cannot be used is what an update is for: it is replaced all the same.
+    const auto table = std::make_unique<MadadTable>(QString::fromStdString(dataDir));
+    if (!table->ok())
+        std::cerr << "zelmor-cli update-tables: the price index table in use cannot be read: "
+                  << table->errorString().toStdString() << '\n';
     const QString address = o.has("--url") ? QString::fromStdString(o.value("--url"))
                                            : QSettings().value(QStringLiteral("tables/updateAddress")).toString();
     QString message;

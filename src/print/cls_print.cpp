@@ -105,7 +105,11 @@ float ClsPrint::PrintHeader() {
     PrintString(90 - TextWidth(maker), maker, true);
     LinePos += 1.5f;
 
+    // A letter too long for the page is cut where the rule and the taxpayer's
+    // name still fit above the page number: no text is printed over another.
+    const double lastLetterLine = scaleHeight_ - 6;
     for (const QString& line : head_.letterLines) {
+        if (LinePos > lastLetterLine) break;
         PrintString(7, line, true);
         LinePos += 1;
     }

@@ -1,33 +1,18 @@
 #include "print/print_nishum.h"
 
-#include <QDir>
 #include <QFile>
-#include <QStringConverter>
-#include <QTextStream>
 
 #include "print/paper.h"
+#include "storage/install_files.h"
 
 namespace zelmor {
-namespace {
-
-QStringList readLines(const QString& path) {
-    QStringList lines;
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return lines;
-    QTextStream in(&f);
-    in.setEncoding(QStringConverter::Utf8);
-    while (!in.atEnd()) lines << in.readLine();
-    return lines;
-}
-
-}  // namespace
 
 PageHead readPageHead(const PrintSetup& setup, const NishumInput& report, int yearDoch) {
     PageHead head;
-    const QDir dir(setup.dataDir);
-    const QStringList name = readLines(dir.filePath(QStringLiteral("USERZELW.NAM")));
-    if (!name.isEmpty()) head.userName = name.first().trimmed();
-    head.letterLines = readLines(dir.filePath(QStringLiteral("PNIA.TXT")));
+    const std::string dataDir = QFile::encodeName(setup.dataDir).toStdString();
+    head.userName = QString::fromStdString(storage::UserName(dataDir));
+    const std::string letter = storage::Pnia(dataDir);
+    if (!letter.empty()) head.letterLines = QString::fromStdString(letter).split(QStringLiteral("\r\n"));
     head.taxpayerName =
         (QString::fromStdString(report.Pratim.FirstNameM) + QLatin1Char(' ') + QString::fromStdString(report.Pratim.LastNameM))
             .trimmed();

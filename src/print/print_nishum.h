@@ -23,7 +23,8 @@ struct PrintSetup {
     PrintErrorSink onError;
 };
 
-// The head of a job, read afresh from the installation's files: the user's
+// The head of a job, read afresh from the installation's files by the same
+// routines as the dialogs that keep them (storage/install_files.h): the user's
 // name is the first line of USERZELW.NAM, trimmed; the letter the lines of
 // PNIA.TXT. A missing or unreadable file reads as empty.
 PageHead readPageHead(const PrintSetup& setup, const NishumInput& report, int yearDoch);

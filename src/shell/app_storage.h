@@ -1,16 +1,14 @@
 #pragma once
-// The one place where the desktop program turns what the report database
-// answered into a message box.
+// The one place where the main window turns what the report database answered
+// into a message box.
 
-#include "storage/report_db.h"
+#include "shell/store_messages.h"
 
 class QWidget;
 
 namespace zelmor::shell {
 
-enum class StoreStep { Open, Save };
-
 // Shows the outcome's message, if it has one.
-void showStoreOutcome(QWidget* parent, StoreStep step, const storage::StoreOutcome& outcome);
+void showStoreOutcome(QWidget* parent, StoreAction action, const storage::StoreOutcome& outcome);
 
 }  // namespace zelmor::shell

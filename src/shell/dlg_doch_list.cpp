@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "shell/messages.h"
+#include "shell/store_messages.h"
 #include "storage/report_db.h"
 
 namespace zelmor::shell {
@@ -25,17 +26,8 @@ const QString kTitle = QStringLiteral("רשימת נישומים");
 // The one place where what storage says reaches the user: a failed call shows
 // its message and the caller learns whether the call went through.
 bool showStoreOutcome(QWidget* parent, const storage::StoreOutcome& outcome) {
-    if (!outcome.text.empty()) {
-        MsgIcon icon = MsgIcon::None;
-        switch (outcome.icon) {
-            case storage::MessageIcon::Information: icon = MsgIcon::Information; break;
-            case storage::MessageIcon::Exclamation: icon = MsgIcon::Exclamation; break;
-            case storage::MessageIcon::Stop: icon = MsgIcon::Stop; break;
-            case storage::MessageIcon::None: break;
-        }
-        const QString title = outcome.title.empty() ? kTitle : QString::fromStdString(outcome.title);
-        showMessage(parent, icon, title, QString::fromStdString(outcome.text));
-    }
+    const ShownMessage m = storeMessage(StoreAction::Delete, outcome);
+    if (!m.text.isEmpty()) showMessage(parent, m.icon, m.title.isEmpty() ? kTitle : m.title, m.text);
     return outcome.ok;
 }
 
@@ -45,7 +37,7 @@ std::vector<storage::NameRow> readNames(QWidget* parent, storage::ReportDb& db, 
     try {
         return db.listNames(order);
     } catch (const std::exception& e) {
-        showStoreOutcome(parent, {false, storage::MessageIcon::Stop, {}, e.what()});
+        showMessage(parent, MsgIcon::Stop, kTitle, QString::fromUtf8(e.what()));
         return {};
     }
 }

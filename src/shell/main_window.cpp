@@ -8,7 +8,6 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "core/values.h"
 #include "shell/app_storage.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_name.h"
@@ -82,7 +81,7 @@ MainWindow::MainWindow(const AppOptions& options, QWidget* parent)
     draftTimer_->setInterval(kDraftDelayMs);
     connect(draftTimer_, &QTimer::timeout, this, &MainWindow::writeDraft);
 
-    showStoreOutcome(this, StoreStep::Open, db().newNishum(report_));
+    showStoreOutcome(this, StoreAction::Open, db().newNishum(report_));
     setMode(true);
     showPage(1);
     setWindowTitle(QStringLiteral("Zelmor %1").arg(constants_.YEARDOCH()));
@@ -295,7 +294,7 @@ void MainWindow::newReport() {
     if (!takeScreen()) return;
     if (askQuestion(this, u(kNewTitle), u(kNewText), QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes) {
         const storage::StoreOutcome outcome = db().newNishum(report_);
-        showStoreOutcome(this, StoreStep::Open, outcome);
+        showStoreOutcome(this, StoreAction::Open, outcome);
         if (outcome.ok) drafts_->remove();
     }
     enterEditMode(1);
@@ -304,14 +303,14 @@ void MainWindow::newReport() {
 bool MainWindow::saveReport() {
     if (!takeScreen()) return false;
     const storage::StoreOutcome outcome = db().saveNishum(report_);
-    if (!outcome.ok && trimmed(report_.NishumID()).empty()) {
+    if (outcome.error == storage::StoreError::NoId) {
         // Without an id there is nothing to store under: back to the id's field.
         enterEditMode(1);
-        showStoreOutcome(this, StoreStep::Save, outcome);
+        showStoreOutcome(this, StoreAction::Save, outcome);
         if (QWidget* id = page_->fieldWidget(QStringLiteral("IDM"))) id->setFocus();
         return false;
     }
-    showStoreOutcome(this, StoreStep::Save, outcome);
+    showStoreOutcome(this, StoreAction::Save, outcome);
     if (outcome.ok) drafts_->remove();
     return outcome.ok;
 }
@@ -353,7 +352,7 @@ void MainWindow::openFromList() {
     DochListDialog list(db(), this);
     if (list.exec() == QDialog::Accepted && !list.chosenId().isEmpty()) {
         const storage::StoreOutcome outcome = db().openNishum(list.chosenId().toStdString(), report_);
-        showStoreOutcome(this, StoreStep::Open, outcome);
+        showStoreOutcome(this, StoreAction::Open, outcome);
         if (outcome.ok) drafts_->remove();  // the report in hand is the stored one
     }
     enterEditMode(1);

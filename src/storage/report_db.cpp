@@ -1,11 +1,13 @@
 #include "storage/report_db.h"
 
+#include <QChar>
 #include <QDir>
 #include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
+#include <QStringDecoder>
 #include <QUrl>
 #include <QUrlQuery>
 #include <QVariant>
@@ -15,6 +17,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "core/values.h"
@@ -24,24 +27,33 @@ namespace zelmor::storage {
 
 namespace {
 
-// --- The system's messages ---
-const char* const kSaveTitle = "שמירת דו\"ח";
-const char* const kNoIdText = "לא ניתן לשמור ללא מספר ת.ז.\nנא להזין ת.ז. ולשמור לאחר מכן";
-const char* const kSavedText = "הדו\"ח נשמר בהצלחה";
-const char* const kSaveErrorHead = "שגיאה בשמירת הדו\"ח: ";
-const char* const kContactText = "נא ליצור קשר עם חברת Zelmor";
-const char* const kStoredUnchanged = "הדו\"ח השמור במאגר לא שונה.";
-const char* const kOpenTitle = "פתיחת דו\"ח";
-const char* const kNoneChosen = "לא נבחר אף נישום לפתיחה";
-const char* const kNotFoundHead = "לא נמצא דו\"ח שמור עם ת.ז. ";
-const char* const kOpenErrorHead = "שגיאה בפתיחת הדו\"ח: ";
-const char* const kOpenUnchanged = "הדו\"ח הפתוח לא שונה.";
-const char* const kListTitle = "רשימת נישומים";
-const char* const kDeleteErrorHead = "שגיאה במחיקת הדו\"ח: ";
-const char* const kTemplateKept = "לא ניתן למחוק את תבנית הדו\"ח החדש";
+StoreOutcome succeeded(std::string id) {
+    StoreOutcome out;
+    out.ok = true;
+    out.id = std::move(id);
+    return out;
+}
 
-StoreOutcome outcome(bool ok, MessageIcon icon, const char* title, std::string text) {
-    return StoreOutcome{ok, icon, title, std::move(text)};
+StoreOutcome failed(StoreError error, std::string id, std::string detail = {}) {
+    StoreOutcome out;
+    out.error = error;
+    out.id = std::move(id);
+    out.detail = std::move(detail);
+    return out;
+}
+
+// Why an id cannot be the key of a report: empty, a bad character, or the
+// template's. None when it can.
+std::optional<StoreOutcome> refusedId(const std::string& id, bool templateAllowed) {
+    const IdCheck check = checkId(id);
+    if (check.fault == IdFault::Empty) return failed(StoreError::NoId, id);
+    if (!check.ok()) {
+        StoreOutcome out = failed(StoreError::BadId, id);
+        out.idCheck = check;
+        return out;
+    }
+    if (!templateAllowed && id == kTemplateId) return failed(StoreError::TemplateId, id);
+    return std::nullopt;
 }
 
 std::string qs(const QString& s) { return s.toStdString(); }
@@ -246,12 +258,27 @@ std::string defaultDbPath(const std::string& dataDir) {
     return (std::filesystem::path(dataDir) / std::to_string(ConstDoch().YEARDOCH()) / DochDbName()).string();
 }
 
-std::string idProblem(std::string_view id) {
+IdCheck checkId(std::string_view id) {
     const std::string t = trimmed(id);
-    if (t.empty()) return "מספר ת.ז. ריק";
-    for (unsigned char ch : t) {
-        if (ch == '"') return "מספר ת.ז. אינו יכול להכיל מרכאות (\")";
-        if (ch < 0x20 || ch == 0x7f) return "מספר ת.ז. אינו יכול להכיל תווי בקרה";
+    if (t.empty()) return {IdFault::Empty, 0};
+    // A byte order mark at the start is a character of the id too.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = utf8(QByteArrayView(t.data(), static_cast<qsizetype>(t.size())));
+    for (const char32_t ch : text.toUcs4()) {
+        if (ch == U'"') return {IdFault::Quote, ch};
+        switch (QChar::category(ch)) {
+            case QChar::Other_Control:
+            case QChar::Separator_Line:
+            case QChar::Separator_Paragraph:
+                return {IdFault::Control, ch};
+            case QChar::Other_Format:  // direction marks and embeddings, joiners, the byte order mark
+                return {IdFault::Invisible, ch};
+            case QChar::Separator_Space:  // a no-break or thin space looks like the plain one
+                if (ch != U' ') return {IdFault::Invisible, ch};
+                break;
+            default:
+                break;
+        }
     }
     return {};
 }
@@ -265,12 +292,17 @@ public:
     virtual QString qtDriver() const = 0;
     // Sets the connection's parameters, and for a file its folder.
     virtual void configure(QSqlDatabase& db, Mode mode) const = 0;
-    // Statements that follow a successful open.
-    virtual void afterOpen(QSqlDatabase& db) const = 0;
+    // Settings of the session that follow a successful open; they write nothing.
+    virtual void afterOpen(QSqlDatabase& db, Mode mode) const = 0;
+    // Makes a database of ours ready for writing (runs outside a transaction,
+    // before the first write of the connection).
+    virtual void prepareForWriting(QSqlDatabase& db) const = 0;
     // Starts a write transaction. Several writers of different reports may
     // run at once where the engine allows; `exclusive` shuts out all others.
     virtual void beginWrite(QSqlDatabase& db, const std::vector<std::string>& ids, bool exclusive) const = 0;
     virtual std::string tableExistsSql() const = 0;
+    // The number of tables, views and other objects the database holds.
+    virtual std::string objectCountSql() const = 0;
     virtual std::string columnType(const FieldDef& f) const = 0;
     // Text order by code points, the same on both engines.
     virtual std::string byteOrder() const = 0;
@@ -284,6 +316,16 @@ void execOrThrow(QSqlQuery& q, const std::string& sql, const std::string& what) 
     if (!q.exec(qt(sql))) throw StorageError(what + ": " + errorText(q.lastError()));
 }
 
+// The first read of a file that is no SQLite database at all fails with
+// SQLITE_NOTADB: a file of another kind.
+[[noreturn]] void structureUnreadable(const ReportDb::Driver& driver, const QSqlError& e) {
+    constexpr int kSqliteNotADatabase = 26;
+    if (!driver.postgres() && e.nativeErrorCode().toInt() == kSqliteNotADatabase)
+        throw StorageError(driver.describe() + " is no report database (it is no database at all)",
+                           StoreError::ForeignDatabase);
+    throw StorageError("cannot read the structure of the report database " + driver.describe() + ": " + errorText(e));
+}
+
 class SqliteDriver : public ReportDb::Driver {
 public:
     explicit SqliteDriver(std::string path) : path_(std::move(path)) {}
@@ -291,20 +333,37 @@ public:
     QString qtDriver() const override { return "QSQLITE"; }
     void configure(QSqlDatabase& db, ReportDb::Mode mode) const override {
         const QFileInfo info(qt(path_));
-        if (mode == ReportDb::Mode::MustExist && !info.exists())
+        if (mode != ReportDb::Mode::CreateIfMissing && !info.exists())
             throw StorageError("the report database " + path_ + " does not exist");
+        if (info.isDir()) throw StorageError(path_ + " is a folder, not a report database");
         if (mode == ReportDb::Mode::CreateIfMissing && !QDir().mkpath(info.absolutePath()))
             throw StorageError("cannot create the folder " + qs(info.absolutePath()));
-        db.setDatabaseName(qt(path_));
-        // Several processes share the file: wait for a writer instead of failing.
-        db.setConnectOptions("QSQLITE_BUSY_TIMEOUT=30000");
+        // Several processes share the file, also across a network share: a
+        // writer waits for the others instead of failing.
+        QString options = "QSQLITE_BUSY_TIMEOUT=30000";
+        if (mode == ReportDb::Mode::ReadOnly) {
+            // Read-only through a URI: nothing is written, not even a journal,
+            // so the file can be read where it cannot be written.
+            options += ";QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY";
+            db.setDatabaseName(QUrl::fromLocalFile(info.absoluteFilePath()).toString(QUrl::FullyEncoded) +
+                               "?mode=ro");
+        } else {
+            db.setDatabaseName(qt(path_));
+        }
+        db.setConnectOptions(options);
     }
-    void afterOpen(QSqlDatabase& db) const override {
+    void afterOpen(QSqlDatabase& db, ReportDb::Mode) const override {
         QSqlQuery q(db);
-        // Write-ahead log: readers never wait for a writer, and a process killed
-        // in a save leaves the last committed state.
-        execOrThrow(q, "PRAGMA journal_mode=WAL", "cannot open the report database " + path_);
-        execOrThrow(q, "PRAGMA synchronous=FULL", "cannot open the report database " + path_);
+        if (!q.exec("PRAGMA synchronous=FULL")) structureUnreadable(*this, q.lastError());
+    }
+    void prepareForWriting(QSqlDatabase& db) const override {
+        // The rollback journal: unlike a write-ahead log it works on network
+        // shares and lets a read-only folder be read, and a process killed in
+        // a save still leaves the last committed state. A file that an older
+        // build left in WAL mode is switched here; when another process holds
+        // it just now, a later writer switches it.
+        QSqlQuery q(db);
+        q.exec("PRAGMA journal_mode=DELETE");
     }
     void beginWrite(QSqlDatabase& db, const std::vector<std::string>&, bool) const override {
         // IMMEDIATE takes the write lock at once (waiting up to the busy
@@ -315,6 +374,7 @@ public:
     std::string tableExistsSql() const override {
         return "SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?";
     }
+    std::string objectCountSql() const override { return "SELECT COUNT(*) FROM sqlite_master"; }
     std::string columnType(const FieldDef& f) const override {
         return f.type == FieldType::Text ? "TEXT" : "INTEGER";
     }
@@ -352,10 +412,13 @@ public:
         if (!options.contains("connect_timeout", Qt::CaseInsensitive)) options << "connect_timeout=10";
         db.setConnectOptions(options.join(';'));
     }
-    void afterOpen(QSqlDatabase& db) const override {
+    void afterOpen(QSqlDatabase& db, ReportDb::Mode mode) const override {
         QSqlQuery q(db);
         execOrThrow(q, "SET client_min_messages TO WARNING", "cannot open the report database " + describe());
+        if (mode == ReportDb::Mode::ReadOnly)
+            execOrThrow(q, "SET default_transaction_read_only = on", "cannot open the report database " + describe());
     }
+    void prepareForWriting(QSqlDatabase&) const override {}
     void beginWrite(QSqlDatabase& db, const std::vector<std::string>& ids, bool exclusive) const override {
         QSqlQuery q(db);
         execOrThrow(q, "BEGIN", "cannot start a transaction");
@@ -384,6 +447,9 @@ public:
     }
     std::string tableExistsSql() const override {
         return "SELECT 1 FROM information_schema.tables WHERE table_schema = current_schema() AND table_name = ?";
+    }
+    std::string objectCountSql() const override {
+        return "SELECT COUNT(*) FROM information_schema.tables WHERE table_schema = current_schema()";
     }
     std::string columnType(const FieldDef& f) const override {
         switch (f.type) {
@@ -449,8 +515,14 @@ bool tableExists(QSqlDatabase& db, const ReportDb::Driver& driver, const char* n
     QSqlQuery q(db);
     q.prepare(qt(driver.tableExistsSql()));
     q.addBindValue(QString(name));
-    if (!q.exec()) throw StorageError("cannot read the structure of the report database: " + errorText(q.lastError()));
+    if (!q.exec()) structureUnreadable(driver, q.lastError());
     return q.next();
+}
+
+long long objectCount(QSqlDatabase& db, const ReportDb::Driver& driver) {
+    QSqlQuery q(db);
+    if (!q.exec(qt(driver.objectCountSql())) || !q.next()) structureUnreadable(driver, q.lastError());
+    return q.value(0).toLongLong();
 }
 
 int storedVersion(QSqlDatabase& db) {
@@ -570,18 +642,33 @@ std::string ReportDb::connectionName() {
             if (!db.open())
                 throw StorageError("cannot open the report database " + driver_->describe() + ": " +
                                    errorText(db.lastError()));
-            driver_->afterOpen(db);
+            driver_->afterOpen(db, mode_);
 
-            // The structure: known version, or created now.
-            const bool hasVersion = tableExists(db, *driver_, "zelmorSchema");
-            const int version = hasVersion ? storedVersion(db) : 0;
-            if (version > kSchemaVersion)
-                throw StorageError("the report database " + driver_->describe() +
-                                   " was written by a newer version of the program (structure version " +
-                                   std::to_string(version) + ")");
-            if (version < kSchemaVersion) {
-                if (mode_ == Mode::MustExist && !tableExists(db, *driver_, "tblDetails"))
-                    throw StorageError(driver_->describe() + " is no report database (it has no table tblDetails)");
+            // What the database holds decides what may be done with it: our
+            // tables of a known version are used; a new or empty database is
+            // given them when writing is allowed; anything else is another
+            // program's and is never written to.
+            const std::string where = driver_->describe();
+            if (tableExists(db, *driver_, "zelmorSchema")) {
+                const int version = storedVersion(db);
+                if (version > kSchemaVersion)
+                    throw StorageError("the report database " + where +
+                                           " was written by a newer version of the program (structure version " +
+                                           std::to_string(version) + ")",
+                                       StoreError::NewerDatabase);
+                if (version < 1 || !tableExists(db, *driver_, "tblDetails") ||
+                    !tableExists(db, *driver_, "tblDetails1"))
+                    throw StorageError(where + " is no report database of this program (its tables are incomplete)",
+                                       StoreError::ForeignDatabase);
+                if (mode_ != Mode::ReadOnly) driver_->prepareForWriting(db);
+            } else if (objectCount(db, *driver_) > 0) {
+                throw StorageError(where + " is no report database of this program (it holds other tables); "
+                                           "nothing was written to it",
+                                   StoreError::ForeignDatabase);
+            } else if (mode_ != Mode::CreateIfMissing) {
+                throw StorageError(where + " is empty: no report has been stored in it");
+            } else {
+                driver_->prepareForWriting(db);
                 driver_->beginWrite(db, {}, true);
                 try {
                     createStructure(db, *driver_);
@@ -602,13 +689,23 @@ std::string ReportDb::connectionName() {
 
 void ReportDb::ensureReady() { connectionName(); }
 
+// --- Outcomes ---
+
+StoreOutcome ReportDb::named(StoreOutcome out) const {
+    out.database = driver_->describe();
+    return out;
+}
+
+StoreOutcome ReportDb::failure(const std::exception& e, const std::string& id) const {
+    const auto* se = dynamic_cast<const StorageError*>(&e);
+    return named(failed(se ? se->kind() : StoreError::DatabaseFailure, id, e.what()));
+}
+
 // --- Open ---
 
 StoreOutcome ReportDb::openNishum(std::string_view id, NishumInput& report) {
     const std::string key = trimmed(id);
-    if (key.empty()) return outcome(false, MessageIcon::Exclamation, kOpenTitle, kNoneChosen);
-    if (const std::string problem = idProblem(key); !problem.empty())
-        return outcome(false, MessageIcon::Exclamation, kOpenTitle, problem);
+    if (auto refused = refusedId(key, true)) return named(*refused);
     try {
         QSqlDatabase db = QSqlDatabase::database(qt(connectionName()), false);
         QSqlQuery q(db);
@@ -618,20 +715,18 @@ StoreOutcome ReportDb::openNishum(std::string_view id, NishumInput& report) {
         if (!q.exec()) throw StorageError(errorText(q.lastError()));
         NishumInput loaded = report;
         if (!q.next()) {
-            if (key != kTemplateId)
-                return outcome(false, MessageIcon::Exclamation, kOpenTitle, kNotFoundHead + key);
+            if (key != kTemplateId) return named(failed(StoreError::NotFound, key));
             loaded = NishumInput();  // the template row is gone: the built-in defaults
         } else {
             std::string error;
             if (!applyRow(q, loaded, error))
-                throw StorageError("the stored report " + key + " is damaged: " + error);
+                throw StorageError("the stored report " + key + " is damaged: " + error, StoreError::Damaged);
         }
         if (key == kTemplateId) loaded.Pratim.IDM.clear();
         report = std::move(loaded);
-        return outcome(true, MessageIcon::None, kOpenTitle, "");
+        return named(succeeded(key));
     } catch (const std::exception& e) {
-        return outcome(false, MessageIcon::Stop, kOpenTitle,
-                       std::string(kOpenErrorHead) + e.what() + "\n" + kOpenUnchanged);
+        return failure(e, key);
     }
 }
 
@@ -668,34 +763,27 @@ void ReportDb::saveInTransaction(const std::vector<const NishumInput*>& reports)
 
 StoreOutcome ReportDb::saveNishum(const NishumInput& report) {
     const std::string id = trimmed(report.Pratim.IDM);
-    if (id.empty()) return outcome(false, MessageIcon::Exclamation, kSaveTitle, kNoIdText);
-    if (const std::string problem = idProblem(id); !problem.empty())
-        return outcome(false, MessageIcon::Exclamation, kSaveTitle, problem + "\nנא לתקן ת.ז. ולשמור לאחר מכן");
+    if (auto refused = refusedId(id, false)) return named(*refused);
     try {
         saveInTransaction({&report});
-        return outcome(true, MessageIcon::Information, kSaveTitle, kSavedText);
+        return named(succeeded(id));
     } catch (const std::exception& e) {
-        return outcome(false, MessageIcon::Stop, kSaveTitle,
-                       std::string(kSaveErrorHead) + e.what() + "\n" + kContactText + "\n" + kStoredUnchanged);
+        return failure(e, id);
     }
 }
 
 StoreOutcome ReportDb::saveMany(const std::vector<NishumInput>& reports) {
     std::vector<const NishumInput*> all;
     for (const NishumInput& r : reports) {
-        const std::string id = trimmed(r.Pratim.IDM);
-        if (id.empty()) return outcome(false, MessageIcon::Exclamation, kSaveTitle, kNoIdText);
-        if (const std::string problem = idProblem(id); !problem.empty())
-            return outcome(false, MessageIcon::Exclamation, kSaveTitle, problem + ": " + id);
+        if (auto refused = refusedId(trimmed(r.Pratim.IDM), false)) return named(*refused);
         all.push_back(&r);
     }
-    if (all.empty()) return outcome(true, MessageIcon::None, kSaveTitle, "");
+    if (all.empty()) return named(succeeded({}));
     try {
         saveInTransaction(all);
-        return outcome(true, MessageIcon::Information, kSaveTitle, kSavedText);
+        return named(succeeded({}));
     } catch (const std::exception& e) {
-        return outcome(false, MessageIcon::Stop, kSaveTitle,
-                       std::string(kSaveErrorHead) + e.what() + "\n" + kContactText + "\n" + kStoredUnchanged);
+        return failure(e, {});
     }
 }
 
@@ -716,19 +804,17 @@ std::vector<NameRow> ReportDb::listNames(ListOrder order) {
 
 StoreOutcome ReportDb::deleteNishum(std::string_view id) {
     const std::string key = trimmed(id);
-    if (key.empty()) return outcome(true, MessageIcon::None, kListTitle, "");
-    if (const std::string problem = idProblem(key); !problem.empty())
-        return outcome(false, MessageIcon::Exclamation, kListTitle, problem);
-    if (key == kTemplateId) return outcome(false, MessageIcon::Exclamation, kListTitle, kTemplateKept);
+    if (key.empty()) return named(succeeded(key));  // nothing chosen, nothing deleted
+    if (auto refused = refusedId(key, false)) return named(*refused);
     try {
         QSqlDatabase db = QSqlDatabase::database(qt(connectionName()), false);
         QSqlQuery q(db);
         prepareOrThrow(q, "DELETE FROM \"tblDetails\" WHERE \"IDM\" = ?");
         q.addBindValue(qt(key));
         if (!q.exec()) throw StorageError(errorText(q.lastError()));
-        return outcome(true, MessageIcon::None, kListTitle, "");
+        return named(succeeded(key));
     } catch (const std::exception& e) {
-        return outcome(false, MessageIcon::Stop, kListTitle, std::string(kDeleteErrorHead) + e.what());
+        return failure(e, key);
     }
 }
 

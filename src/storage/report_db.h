@@ -39,26 +39,55 @@ std::string DochDbName();
 // The default place of the report database: <dataDir>/2015/D2015.BRK.
 std::string defaultDbPath(const std::string& dataDir);
 
+// Why an operation on the stored reports did not happen. The storage says
+// what went wrong; the desktop and the command line choose their own words.
+enum class StoreError {
+    None,
+    NoId,             // the id is empty after trimming
+    BadId,            // the id holds a character no id may hold (see IdFault)
+    TemplateId,       // the id of the template row, which is no report
+    NotFound,         // no report is stored under the id
+    Damaged,          // the stored rows hold a value this program never writes
+    DatabaseFailure,  // the database cannot be reached, or a statement failed
+    ForeignDatabase,  // the file or database holds something else than our tables
+    NewerDatabase,    // the structure was written by a newer version of the program
+};
+
 // The database cannot be reached, or its content is not what this program
-// wrote. The text says what and where.
+// wrote. The text says what and where, in English, for logs and the command line.
 class StorageError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit StorageError(const std::string& what, StoreError kind = StoreError::DatabaseFailure)
+        : std::runtime_error(what), kind_(kind) {}
+    StoreError kind() const { return kind_; }
+
+private:
+    StoreError kind_;
 };
 
-enum class MessageIcon { None, Information, Exclamation, Stop };
+// What is wrong with an id as a key. An id that looks like another one is
+// refused: besides the double quotation mark and control characters this takes
+// direction marks, joiners, the byte order mark, every other invisible format
+// character and blanks other than the plain space.
+enum class IdFault { None, Empty, Quote, Control, Invisible };
 
-// What an operation tells the user: a message box's title, icon and text.
+struct IdCheck {
+    IdFault fault = IdFault::None;
+    char32_t ch = 0;  // the character at fault (Quote, Control, Invisible)
+    bool ok() const { return fault == IdFault::None; }
+};
+// Checks the id after trimming it.
+IdCheck checkId(std::string_view id);
+
+// The outcome of opening, saving or deleting a report.
 struct StoreOutcome {
     bool ok = false;
-    MessageIcon icon = MessageIcon::None;
-    std::string title;
-    std::string text;  // empty when nothing needs saying
+    StoreError error = StoreError::None;
+    IdCheck idCheck;       // with BadId: what is wrong with the id
+    std::string id;        // the id the operation was about, trimmed
+    std::string database;  // the database, as it can be named to the user (never a password)
+    std::string detail;    // with the failures of the database: what happened, in English
 };
-
-// Why an id cannot be a key: empty after trimming, or holds a double quotation
-// mark or a control character. Empty when the id is fine.
-std::string idProblem(std::string_view id);
 
 struct NameRow {
     std::string dID;
@@ -79,11 +108,18 @@ struct ConnectionRegistry;
 
 class ReportDb {
 public:
-    enum class Mode { CreateIfMissing, MustExist };
+    // CreateIfMissing: a missing file, or an empty one, becomes a report
+    // database. MustExist: the database must be there with its tables.
+    // ReadOnly: as MustExist, and nothing is ever written (a SQLite file is
+    // opened read-only, so it can be read from a read-only folder); every
+    // write is refused.
+    enum class Mode { CreateIfMissing, MustExist, ReadOnly };
 
     // location: a file path, "sqlite:PATH" or a "postgresql://" URI. Nothing is
     // opened yet; the first operation connects (and creates the database and
-    // its tables when allowed and missing).
+    // its tables when allowed and missing). A database that holds anything but
+    // our tables is never written to: every operation on it fails with
+    // ForeignDatabase.
     explicit ReportDb(std::string location, Mode mode = Mode::CreateIfMissing);
     ~ReportDb();
     ReportDb(const ReportDb&) = delete;
@@ -93,7 +129,7 @@ public:
     bool isPostgres() const;
 
     // Connects and makes sure the tables exist with a known version. Raises
-    // StorageError when that cannot be done.
+    // StorageError (with its kind) when that cannot be done.
     void ensureReady();
 
     // Loads the stored report of an id into `report`. On any failure (no such
@@ -105,10 +141,12 @@ public:
     StoreOutcome newNishum(NishumInput& report) { return openNishum(kTemplateId, report); }
 
     // Replaces the two stored rows of the report's id (trimmed) in one
-    // transaction. The report itself is not changed.
+    // transaction. The report itself is not changed. The template's id is
+    // refused (TemplateId): the template row is never written.
     StoreOutcome saveNishum(const NishumInput& report);
     // Saves many reports in one transaction (all or none); for batch import.
-    // Every id must pass idProblem(); the outcome names the first that does not.
+    // Every id must pass checkId() and none may be the template's; the outcome
+    // names the first that does not, and nothing is stored.
     StoreOutcome saveMany(const std::vector<NishumInput>& reports);
 
     // The taxpayer list: the view tblNames, without the template row.
@@ -116,7 +154,7 @@ public:
 
     // Deletes the report's tblDetails row, as the taxpayer list does; its
     // tblDetails1 row stays until a report is saved under the same id. An
-    // empty id deletes nothing.
+    // empty id deletes nothing (and succeeds); the template's id is refused.
     StoreOutcome deleteNishum(std::string_view id);
 
     // The number of stored reports (the template row not counted).
@@ -145,6 +183,9 @@ private:
     // This thread's connection, opened (and the structure checked) on first use.
     std::string connectionName();
     void saveInTransaction(const std::vector<const NishumInput*>& reports);
+    // The outcome with the database named; the outcome of a caught failure.
+    StoreOutcome named(StoreOutcome out) const;
+    StoreOutcome failure(const std::exception& e, const std::string& id) const;
 
     std::string location_;
     Mode mode_;

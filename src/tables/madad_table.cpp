@@ -116,6 +116,45 @@ private:
     QString error_;
 };
 
+bool isMonthKey(const QString& month) {
+    if (month.size() != 6) return false;
+    for (QChar ch : month)
+        if (ch < QLatin1Char('0') || ch > QLatin1Char('9')) return false;
+    return true;
+}
+
+bool isCalendarMonth(const QString& month) {
+    if (!isMonthKey(month)) return false;
+    const int m = month.mid(4, 2).toInt();
+    return m >= 1 && m <= 12;
+}
+
+// What makes a table unusable, or "" when it can be used: every month a
+// calendar month (the row of last resort is one too), every Basis51 usable, a
+// value in the row of last resort and in the row of LockMonth, which is a
+// month of the table.
+QString tableProblem(const MadadTable::Snapshot& t) {
+    for (const MadadRow& r : t.rows) {
+        if (!isCalendarMonth(r.month)) return QStringLiteral("החודש \"%1\" אינו חודש בצורה YYYYMM").arg(r.month);
+        if (const QString p = basis51Problem(r.basis51); !p.isEmpty())
+            return QStringLiteral("חודש %1: %2").arg(r.month, p);
+    }
+    auto valueOf = [&](const QString& month) -> std::optional<double> {
+        for (const MadadRow& r : t.rows)
+            if (r.month == month) return r.basis51;
+        return std::nullopt;
+    };
+    if (!(t.fallback > 0))
+        return QStringLiteral("בשורה %1 אין מדד (Basis51 הוא 0)").arg(QLatin1String(MadadTable::kFallbackMonth));
+    if (!isCalendarMonth(t.lockMonth))
+        return QStringLiteral("LockMonth \"%1\" אינו חודש בצורה YYYYMM").arg(t.lockMonth);
+    const std::optional<double> lockValue = valueOf(t.lockMonth);
+    if (!lockValue) return QStringLiteral("LockMonth %1 אינו חודש בטבלה").arg(t.lockMonth);
+    if (!(*lockValue > 0))
+        return QStringLiteral("בשורת LockMonth %1 אין מדד (Basis51 הוא 0)").arg(t.lockMonth);
+    return {};
+}
+
 // Reads the whole table through an open connection.
 bool readSnapshot(const Connection& c, const QString& path, MadadTable::Snapshot& out,
                   QString* error) {
@@ -131,7 +170,15 @@ bool readSnapshot(const Connection& c, const QString& path, MadadTable::Snapshot
     while (q.next()) {
         MadadRow r;
         r.month = q.value(0).toString();
-        r.basis51 = q.value(1).toDouble();
+        // Null and text are no index: they must not pass as 0, a month without a value.
+        const QVariant basis51 = q.value(1);
+        bool isNumber = false;
+        r.basis51 = basis51.isNull() ? 0 : basis51.toDouble(&isNumber);
+        if (!isNumber) {
+            *error = QStringLiteral("בטבלת המדדים %1, חודש %2: Basis51 אינו מספר (%3)")
+                         .arg(path, r.month, basis51.isNull() ? QStringLiteral("NULL") : basis51.toString());
+            return false;
+        }
         r.basis = q.value(2).toString();
         r.madad = q.value(3).toDouble();
         r.mekadem = q.value(4).toDouble();
@@ -169,6 +216,10 @@ bool readSnapshot(const Connection& c, const QString& path, MadadTable::Snapshot
         return false;
     }
     out.lockMonth = l.value(0).toString().trimmed();
+    if (const QString problem = tableProblem(out); !problem.isEmpty()) {
+        *error = QStringLiteral("טבלת המדדים %1 פגומה: %2").arg(path, problem);
+        return false;
+    }
     return true;
 }
 
@@ -187,19 +238,6 @@ bool readSnapshotFromFile(const QString& connName, const QString& path,
     return true;
 }
 
-bool isMonthKey(const QString& month) {
-    if (month.size() != 6) return false;
-    for (QChar ch : month)
-        if (ch < QLatin1Char('0') || ch > QLatin1Char('9')) return false;
-    return true;
-}
-
-bool isCalendarMonth(const QString& month) {
-    if (!isMonthKey(month)) return false;
-    const int m = month.mid(4, 2).toInt();
-    return m >= 1 && m <= 12;
-}
-
 // "201503" -> "03/2015"
 QString showMonthOf(const QString& month) { return month.mid(4, 2) + QLatin1Char('/') + month.left(4); }
 
@@ -214,6 +252,14 @@ std::filesystem::path fsPath(const QString& path) {
 }
 
 }  // namespace
+
+QString basis51Problem(double basis51) {
+    if (!std::isfinite(basis51)) return QStringLiteral("המדד אינו מספר סופי");
+    if (basis51 < 0) return QStringLiteral("מדד אינו יכול להיות שלילי (%1)").arg(basis51);
+    if (basis51 > kMaxBasis51)
+        return QStringLiteral("המדד %1 גדול מהמותר (%2)").arg(basis51, 0, 'g', 17).arg(kMaxBasis51, 0, 'g');
+    return {};
+}
 
 MadadTable::MadadTable(const QString& dataDir)
     : dataDir_(QDir(dataDir).absolutePath()),
@@ -478,8 +524,17 @@ bool MadadTable::setMadad(const QString& monthIn, double madad, QString* errorOu
                 return false;
             }
             QSqlQuery w(c.db());
+            // The value the month gets must be one that a usable table holds.
+            auto unusable = [&](double basis51) {
+                const QString problem = basis51Problem(basis51);
+                if (problem.isEmpty()) return false;
+                refused = true;
+                e = QStringLiteral("חודש %1: %2").arg(showMonthOf(month), problem);
+                return true;
+            };
             if (q.next()) {
                 const double basis51 = madad * q.value(0).toDouble();
+                if (unusable(basis51)) return false;
                 w.prepare(QStringLiteral("UPDATE Madad SET Madad = ?, Basis51 = ? WHERE Month = ?"));
                 w.addBindValue(madad);
                 w.addBindValue(basis51);
@@ -502,6 +557,7 @@ bool MadadTable::setMadad(const QString& monthIn, double madad, QString* errorOu
                 }
                 const QString basis = p.value(0).toString();
                 const double mekadem = p.value(1).toDouble();
+                if (unusable(madad * mekadem)) return false;
                 w.prepare(QStringLiteral(
                     "INSERT INTO Madad (Month, Basis51, Basis, Madad, MEKADEM, Show_month) "
                     "VALUES (?, ?, ?, ?, ?, ?)"));

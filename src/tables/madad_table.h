@@ -36,6 +36,16 @@ struct MadadRow {
     QString showMonth;  // "MM/YYYY"
 };
 
+// The highest Basis51 that a usable table holds. The index of September 1951
+// stands in the tens of millions today; a value beyond this bound is no index
+// but a damaged table, and would carry every linked amount out of range.
+inline constexpr double kMaxBasis51 = 1e12;
+
+// What is wrong with a value of Basis51, or "" when it is usable: 0 (a month
+// without a value yet) or a finite positive number up to kMaxBasis51. The
+// tables' check, and the check of a value typed into the index grid.
+QString basis51Problem(double basis51);
+
 class MadadTable final : public MadadLookup {
 public:
     // The file name of the table in the data folder, and the download's working file.
@@ -89,9 +99,12 @@ public:
 
     // Replaces the table with the file published at `source`. The file is
     // downloaded to <dataDir>/Madad.site and put in place of Madad.BRK (by an
-    // atomic rename) only when it opens as a price index table with the row
-    // "190101"; otherwise the old file stays as it was and the working file is
-    // removed. Returns true when the new file is in place. *message gets the
+    // atomic rename) only when it is a usable price index table; otherwise the
+    // old file stays as it was and the working file is removed. Usable: every
+    // Month is a month "YYYYMM" (the row "190101" among them), every Basis51
+    // passes basis51Problem(), the row "190101" and the row of LockMonth have a
+    // value above 0, and LockMonth is a month of the table. Opening the table
+    // file applies the same check, so a damaged table is named as the cause. Returns true when the new file is in place. *message gets the
     // text for the user: on success the month that the tables now reach, on
     // failure what went wrong as well. Blocks until done or timed out; needs a
     // QCoreApplication.

@@ -119,3 +119,40 @@ TEST(ClsPrint, FailureOfTheDeviceAtTheHeadStopsTheJobWithTheMessage) {
     EXPECT_FALSE(target.finish(nullptr));
     EXPECT_FALSE(QFile::exists(path));
 }
+
+TEST(ClsPrint, ALetterTooLongForThePageIsCutAboveTheRuleNameAndPageNumber) {
+    const QString path = tempPdfPath(QStringLiteral("long-letter.pdf"));
+    PdfFileTarget target(path);
+    QStringList letter;
+    for (int i = 1; i <= 120; ++i) letter << QStringLiteral("שורה %1").arg(100 + i);
+    PageHead h = head(letter);
+    h.taxpayerName = QStringLiteral("98765");  // a word of its own in the PDF's text
+    ClsPrint p(target, h);
+    ASSERT_GT(p.PrintHeader(), 0);
+    EXPECT_LE(p.LinePos, p.ScaleHeight() - 2);
+    p.NextLine(1);
+    p.PrintString(7, QStringLiteral("55555"), false);
+    p.PrintEndPage(true);
+    ASSERT_TRUE(target.finish(nullptr));
+
+    const auto words = pdfWords(path);
+    std::vector<PdfWord> first;
+    for (const PdfWord& w : words)
+        if (w.page == 1) first.push_back(w);
+    const PdfWord name = findWord(first, QStringLiteral("98765"));
+    ASSERT_EQ(name.page, 1) << "the taxpayer's name is on the first page";
+    double lastLetter = 0;
+    for (const PdfWord& w : first)
+        if (const int n = w.text.toInt(); n > 100 && n <= 220) lastLetter = std::max(lastLetter, w.yMax);
+    EXPECT_GT(lastLetter, 0);
+    EXPECT_LT(lastLetter, name.yMin);
+    // The page number stands free below everything else of the page.
+    PdfWord number;
+    for (const PdfWord& w : first)
+        if (w.yMin > number.yMin) number = w;
+    EXPECT_TRUE(number.text.contains(QLatin1Char('1')) && number.text.size() <= 3) << number.text.toStdString();
+    ASSERT_GT(number.yMin, name.yMax);
+    for (const PdfWord& w : first)
+        EXPECT_TRUE(w.yMin >= number.yMin - 1 || w.yMax < number.yMin) << w.text.toStdString();
+    EXPECT_EQ(findWord(words, QStringLiteral("55555")).page, 2);
+}

@@ -83,6 +83,30 @@ TEST_P(CliStorageTest, CalcAllGivesTheResultOfEveryStoredReportInIdOrder) {
     }
 }
 
+TEST_P(CliStorageTest, ImportRefusesTheTemplateIdAndIdsThatLookLikeOthers) {
+    auto doc = nlohmann::json::parse(zelmor::test::readFile(goldenReports().front().path));
+    std::string batch;
+    for (const char* id : {"NewInit", " NewInit ", "123\u200F", "\u202B123", "12\u00A03", "555"}) {
+        doc["Pratim"]["IDM"] = id;
+        batch += doc.dump() + "\n";
+    }
+    const auto run = runCli({"import", "-", "--db", location_}, batch);
+    EXPECT_EQ(run.status, 2);
+    const auto errors = lines(run.err);
+    ASSERT_GE(errors.size(), 5u) << run.err;
+    for (int i : {0, 1})  // the form of the empty-id message
+        EXPECT_TRUE(errors[i].ends_with(": Pratim.IDM: לא ניתן לשמור בת.ז. NewInit, השמורה לתבנית הדו\"ח החדש"))
+            << errors[i];
+    for (int i : {2, 3, 4}) EXPECT_NE(errors[i].find("it would look like another id"), std::string::npos) << errors[i];
+    EXPECT_NE(errors[2].find("U+200F"), std::string::npos) << errors[2];
+    const auto list = runCli({"list", "--db", location_, "--sort", "id"});
+    EXPECT_EQ(list.out.substr(0, 4), "555\t");
+    EXPECT_EQ(lines(list.out).size(), 1u);
+    NishumInput r;
+    ASSERT_TRUE(ReportDb(location_).newNishum(r).ok);
+    EXPECT_EQ(firstDifference(r, NishumInput()), "") << "the template was written";
+}
+
 ZELMOR_STORAGE_BACKENDS(CliStorageTest);
 
 }  // namespace

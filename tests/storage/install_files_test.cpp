@@ -47,5 +47,18 @@ TEST(InstallFiles, FailedWritesAreSwallowedAndKeepTheOldFile) {
     EXPECT_EQ(Pnia(dir.path()), "old");
 }
 
+TEST(InstallFiles, FilesThatAreNotUtf8AreReadAsWindows1255) {
+    TempDir dir;
+    // "שלום רב," and "משרד לוי" as Hebrew Windows writes them.
+    std::ofstream(pniaPath(dir.path()), std::ios::binary) << "\xF9\xEC\xE5\xED \xF8\xE1,\r\n\x80 100\r\n";
+    EXPECT_EQ(Pnia(dir.path()), "שלום רב,\r\n€ 100");
+    std::ofstream(userNamePath(dir.path()), std::ios::binary) << " \xEE\xF9\xF8\xE3 \xEC\xE5\xE9\r\n";
+    EXPECT_EQ(UserName(dir.path()), "משרד לוי");
+    // UTF-8 stays as it is, without a byte order mark; a byte that would not
+    // be UTF-8 anywhere in the file makes the whole file Windows-1255.
+    EXPECT_EQ(textFileToUtf8("\xEF\xBB\xBFשלום"), "שלום");
+    EXPECT_EQ(textFileToUtf8("\xD7\xA9 \xE0"), "\u05F3\u00A9 א");
+}
+
 }  // namespace
 }  // namespace zelmor::storage::testing

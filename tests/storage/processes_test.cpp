@@ -64,7 +64,7 @@ TEST_P(ProcessTest, KilledSavesNeverLeaveAReportMissingOrTorn) {
             const std::string id = "S" + std::to_string(i);
             NishumInput r;
             const StoreOutcome out = after.openNishum(id, r);
-            ASSERT_TRUE(out.ok) << "round " << round << ": " << id << ": " << out.text;
+            ASSERT_TRUE(out.ok) << "round " << round << ": " << id << ": " << out.detail;
             EXPECT_EQ(count("SELECT COUNT(*) FROM \"tblDetails1\" WHERE \"IDM\" = '" + id + "'"), 1);
         }
         expectAllWhole(after);

@@ -27,17 +27,17 @@ void work(ReportDb& db, int worker, int count) {
         // A report of this worker alone: it must come back exactly.
         const std::string own = "W" + std::to_string(worker) + "-" + std::to_string(i % 50);
         StoreOutcome out = db.saveNishum(patternReport(own, version));
-        expect(out.ok, "save " + own + ": " + out.text);
+        expect(out.ok, "save " + own + ": " + out.detail);
         NishumInput r;
         out = db.openNishum(own, r);
-        expect(out.ok, "open " + own + ": " + out.text);
+        expect(out.ok, "open " + own + ": " + out.detail);
         expect(patternVersion(r) == version && patternProblem(r, own).empty(),
                own + " came back as another report: " + patternProblem(r, own));
         // A report that every worker writes: whole, whichever version.
         const std::string shared = "S" + std::to_string(i % 20);
         if (db.openNishum(shared, r).ok) expect(patternProblem(r, shared).empty(), shared + ": " + patternProblem(r, shared));
         out = db.saveNishum(patternReport(shared, version));
-        expect(out.ok, "save " + shared + ": " + out.text);
+        expect(out.ok, "save " + shared + ": " + out.detail);
         if (i % 50 == 49) expect(!db.listNames(ListOrder::ByName).empty(), "empty list");
     }
 }

@@ -31,9 +31,10 @@ struct Month {
     double basis51, madad, mekadem;
 };
 
-// Writes a table file with these rows (and row 190101 = 100 when withFallback) and this LockMonth.
+// Writes a table file with these rows (and row 190101 = 100 when withFallback) and this LockMonth,
+// then runs `damage`, a statement that spoils it.
 void writeTable(const QString& path, std::vector<Month> rows, const QString& lockMonth,
-                bool withFallback = true) {
+                bool withFallback = true, const QString& damage = {}) {
     QFile::remove(path);
     if (withFallback) rows.insert(rows.begin(), Month{"190101", 100.0, 1.0, 100.0});
     {
@@ -52,6 +53,9 @@ void writeTable(const QString& path, std::vector<Month> rows, const QString& loc
                 << q.lastError().text().toStdString();
         }
         ASSERT_TRUE(q.exec(QStringLiteral("INSERT INTO LockMadad VALUES ('%1')").arg(lockMonth)));
+        if (!damage.isEmpty()) {
+            ASSERT_TRUE(q.exec(damage)) << damage.toStdString();
+        }
     }
     QSqlDatabase::removeDatabase(path);
 }
@@ -359,6 +363,62 @@ TEST_F(MadadTableTest, DamagedFileIsReportedAndAnUpdateReplacesIt) {
         << message.toStdString();
     EXPECT_TRUE(t.ok());
     EXPECT_EQ(t.GetMadad(ymd(2017, 1, 1)), 777);
+}
+
+TEST(MadadValues, Basis51IsZeroOrAFinitePositiveIndexUpToTheBound) {
+    for (double good : {0.0, 1e-3, 100.0, 40962585.6, kMaxBasis51})
+        EXPECT_EQ(basis51Problem(good), "") << good;
+    for (double bad : {-1.0, -0.0001, kMaxBasis51 * 1.0001, 1e308, HUGE_VAL, -HUGE_VAL, std::nan("")})
+        EXPECT_NE(basis51Problem(bad), "") << bad;
+}
+
+// Each kind of unusable table: refused on opening, naming what is wrong, and
+// refused as a download, which leaves the old table in place.
+TEST_F(MadadTableTest, UnusableTablesAreRefusedWithTheReason) {
+    const std::vector<Month> good = {{"201608", 700, 100, 7}, {"201609", 777, 100, 7.77}};
+    const struct {
+        std::vector<Month> rows;
+        const char* lock;
+        bool withFallback;
+        const char* damage;
+        const char* mentions;
+    } cases[] = {
+        {{{"190101", 0, 0, 1}, {"201609", 0, 0, 1}}, "201609", false, "", "190101"},  // all 0
+        {good, "201609", true, "UPDATE Madad SET Basis51 = NULL WHERE Month = '201608'", "NULL"},
+        {good, "201609", true, "UPDATE Madad SET Basis51 = 'abc' WHERE Month = '201608'", "abc"},
+        {good, "201609", true, "UPDATE Madad SET Basis51 = 1e308 WHERE Month = '201608'", "201608"},
+        {good, "201609", true, "UPDATE Madad SET Basis51 = -5 WHERE Month = '201608'", "שלילי"},
+        {{{"201608", 700, 100, 7}, {"201609", 0, 0, 7.77}}, "201609", true, "", "LockMonth"},  // lock row 0
+        {good, "2016-9", true, "", "2016-9"},
+        {good, "201610", true, "", "201610"},  // not a month of the table
+        {good, "201609", true, "INSERT INTO Madad VALUES ('201613', 1, 'b', 1, 1, '')", "201613"},
+        {good, "201609", true, "INSERT INTO Madad VALUES ('abc', 0, 'b', 0, 1, '')", "abc"},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        const QString bad = dir_.filePath(QStringLiteral("bad%1/Madad.BRK").arg(++n));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(bad).path()));
+        writeTable(bad, c.rows, c.lock, c.withFallback, c.damage);
+        MadadTable opened(QFileInfo(bad).path());
+        EXPECT_FALSE(opened.ok()) << c.mentions;
+        EXPECT_TRUE(opened.errorString().contains(QString::fromUtf8(c.mentions))) << opened.errorString().toStdString();
+
+        MadadTable t(dir_.path());
+        const QString url = QStringLiteral("/bad%1").arg(n);
+        server_.serve(url, readAll(bad));
+        QString message;
+        EXPECT_FALSE(t.UpdateMadadTable(server_.url(url), &message)) << c.mentions;
+        EXPECT_TRUE(message.contains(QString::fromUtf8(c.mentions))) << message.toStdString();
+        EXPECT_TRUE(message.contains("טבלאות מדדים וסכומים מעודכנות לחודש 2015/03")) << message.toStdString();
+        EXPECT_EQ(readAll(path()), before_);
+        EXPECT_EQ(t.GetMadad(ymd(2015, 4, 1)), 300);
+    }
+    // A typed value that would make the table unusable is refused too.
+    MadadTable t(dir_.path());
+    QString error;
+    EXPECT_FALSE(t.setMadad("201504", 1e300, &error));
+    EXPECT_TRUE(error.contains("04/2015")) << error.toStdString();
+    EXPECT_EQ(readAll(path()), before_);
 }
 
 }  // namespace
