@@ -6,16 +6,12 @@
 set -euo pipefail
 ZELMOR=$1
 CLI=$2
+. "$(dirname "$0")/x_session.sh"
 
-if [ -z "${ZELMOR_E2E_DISPLAY:-}" ]; then
-  for tool in xvfb-run xdotool jq flock; do
-    command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-  done
-  # One virtual X server at a time on the machine.
-  # -o: a server left behind must not keep the lock for ever.
-  exec flock -o /tmp/xvfb.lock xvfb-run -a -s "-screen 0 1280x1024x24" \
-    env ZELMOR_E2E_DISPLAY=1 bash "$0" "$@"
-fi
+for tool in xvfb-run xdotool jq flock; do
+  command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
+done
+run_in_virtual_display "$@"
 
 WORK=$(mktemp -d)
 PID=""
@@ -24,8 +20,7 @@ cleanup() {
   rm -rf "$WORK"
 }
 trap cleanup EXIT
-export QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$WORK/runtime"
-mkdir -m 700 "$XDG_RUNTIME_DIR"
+prepare_session "$WORK"
 DATA="$WORK/data"
 DB="$DATA/2015/D2015.BRK"
 
@@ -34,17 +29,6 @@ fail() {
   import -window root "$WORK/failed.png" 2>/dev/null && cp "$WORK/failed.png" "${TMPDIR:-/tmp}/zelmor-e2e-failed.png" &&
     echo "screen at the failure: ${TMPDIR:-/tmp}/zelmor-e2e-failed.png" >&2
   exit 1
-}
-
-# The id of the visible window whose name matches, polled every 20 ms.
-wait_window() {
-  local name=$1 id
-  for _ in $(seq 1 500); do
-    id=$(xdotool search --onlyvisible --name "$name" 2>/dev/null | head -1 || true)
-    [ -n "$id" ] && { echo "$id"; return 0; }
-    sleep 0.02
-  done
-  return 1
 }
 
 # A message box: wait for it, give it the keyboard, press its default button.

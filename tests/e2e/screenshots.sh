@@ -8,24 +8,18 @@ cd "$(dirname "$0")/../.."
 BUILD=${1:-build}
 OUT=${2:-docs/screens}
 
-if [ -z "${ZELMOR_E2E_DISPLAY:-}" ]; then
-  exec flock -o /tmp/xvfb.lock xvfb-run -a -s "-screen 0 1280x1024x24" \
-    env ZELMOR_E2E_DISPLAY=1 bash "$0" "$@"
-fi
+. tests/e2e/x_session.sh
+run_in_virtual_display "$@"
 
 WORK=$(mktemp -d)
+PID=""
 trap 'kill $PID 2>/dev/null || true; rm -rf "$WORK"' EXIT
-export QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$WORK/runtime"
-mkdir -m 700 "$XDG_RUNTIME_DIR"
+prepare_session "$WORK"
 mkdir -p "$OUT"
 
 "$BUILD/bin/zelmor" --data-dir "$WORK/data" --today 2016-06-30 &
 PID=$!
-for _ in $(seq 1 500); do
-  WIN=$(xdotool search --onlyvisible --name "^Zelmor 2015$" 2>/dev/null | head -1 || true)
-  [ -n "$WIN" ] && break
-  sleep 0.02
-done
+WIN=$(wait_window "^Zelmor 2015$")
 xdotool windowfocus --sync "$WIN"
 sleep 0.3
 
