@@ -2,10 +2,12 @@
 # share. Source it; the calling script runs itself again inside the server.
 
 # Runs the calling script again under its own virtual X server, one server at
-# a time on the machine (-o: a server left behind must not keep the lock).
+# a time on the machine (-o: a server left behind must not keep the lock;
+# -noreset: the server is not reset when its last client leaves, which can
+# turn the next client away).
 run_in_virtual_display() {
   if [ -z "${ZELMOR_E2E_DISPLAY:-}" ]; then
-    exec flock -o /tmp/xvfb.lock xvfb-run -a -s "-screen 0 1280x1024x24" \
+    exec flock -o /tmp/xvfb.lock xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" \
       env ZELMOR_E2E_DISPLAY=1 bash "$(realpath "$0")" "$@"
   fi
 }
