@@ -234,7 +234,7 @@ bool MainWindow::takeScreen() {
     if (!editMode() || !page_) return true;
     if (!page_->leaveCurrent()) return false;
     if (!page_->map2Var(report_)) {
-        showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kSumOverflowText));
+        showMessage(this, MsgIcon::Exclamation, QStringLiteral("Orvanta"), u(kSumOverflowText));
         return false;
     }
     return true;

@@ -83,6 +83,9 @@ TEST_F(MainWindowTest, StartsOnPageOneOfANewReportInEditMode) {
     w->resize(size + QSize(200, 100));
     EXPECT_EQ(w->size(), size);
     EXPECT_FALSE(w->windowFlags() & Qt::WindowMaximizeButtonHint);
+    w->showMaximized();
+    QTRY_COMPARE(w->windowState() & Qt::WindowMaximized, Qt::WindowNoState);
+    EXPECT_EQ(w->size(), size);
 }
 
 TEST_F(MainWindowTest, PageKeysTurnWithoutWrapAndOpenOnTheFirstField) {
@@ -169,6 +172,24 @@ TEST_F(MainWindowTest, CalculateAndBackToEditingReturnToThePageLeftWithTheNames)
     ASSERT_FALSE(w->editMode());
     EXPECT_EQ(w->resultView()->sheet(), 8);
     EXPECT_TRUE(rec.shown.empty());
+}
+
+TEST_F(MainWindowTest, AnOverflowInTheCalculationLeavesTheUserOnThePageAsTyped) {
+    MessageRecorder rec;
+    auto w = open();
+    w->goPage(2);
+    type(*w, "N150", "2000000000");
+    type(*w, "N170", "2000000000");
+    key(Qt::Key_F2);
+    EXPECT_TRUE(w->editMode());
+    EXPECT_EQ(w->currentPage(), 2);
+    ASSERT_EQ(rec.shown.size(), 1u);
+    EXPECT_EQ(rec.shown[0].title, QString::fromUtf8("חישוב מס דו\"ח"));
+    EXPECT_TRUE(rec.lastText().startsWith(QString::fromUtf8("לא ניתן לחשב את הדו\"ח")));
+    EXPECT_EQ(qobject_cast<QLineEdit*>(w->entryPage()->fieldWidget("N170"))->text(), "2,000,000,000");
+    key(Qt::Key_F3);  // a sheet key does nothing on an entry page
+    EXPECT_TRUE(w->editMode());
+    EXPECT_EQ(rec.shown.size(), 1u);
 }
 
 TEST_F(MainWindowTest, TheTitleAfterBackToEditingHoldsEmptyNamesAsTheyAre) {
