@@ -79,8 +79,16 @@ SheetCanvas::SheetCanvas(SheetId sheet, const CalcResult& result, const SheetPar
 
 double SheetCanvas::rowPx() const { return QFontMetrics(font()).height() + 4; }
 
+// A text of signs only ("% =", ")") would be laid out left to right; a
+// right-to-left mark in front makes it read as the Hebrew around it.
+static QString readRightToLeft(const QString& text) {
+    for (QChar c : text)
+        if (c.direction() == QChar::DirR || c.direction() == QChar::DirAL || c.direction() == QChar::DirL) return text;
+    return QChar(0x200F) + text;
+}
+
 QLabel* SheetCanvas::addLabel(const QString& text, Box box, double top, bool bold, bool amount, const QString& name) {
-    auto* label = new QLabel(text, this);
+    auto* label = new QLabel(amount ? text : readRightToLeft(text), this);
     if (!name.isEmpty()) label->setObjectName(name);
     if (bold) {
         QFont f = label->font();
@@ -110,7 +118,7 @@ void SheetCanvas::addHeads(int block, double top) {
         for (const SheetHead* h : hs) {
             QLabel* l = addLabel(QString::fromUtf8(h->text), h->box, top + line * rowPx(), true);
             l->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-            texts << l->text();
+            texts << QString::fromUtf8(h->text);
         }
         textLines_ << texts.join(QLatin1Char('\t'));
     }
