@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QDialog>
 #include <memory>
 
 #include "shell/draft_store.h"
@@ -241,6 +243,23 @@ TEST_F(MainWindowTest, SaveWithoutAnIdGoesBackToTheIdAndSaveWithOneStores) {
     storage::ReportDb db(options_.dbLocation.toStdString(), storage::ReportDb::Mode::MustExist);
     ASSERT_TRUE(db.openNishum("123456782", stored).ok);
     EXPECT_EQ(stored.Yegia.N150.value(), 5000);
+}
+
+TEST_F(MainWindowTest, TheTaxpayerListEndsOnPageOneHoweverItIsLeft) {
+    MessageRecorder rec;
+    auto w = open();
+    type(*w, "IDM", "123456782");
+    w->goPage(5);
+    QTimer::singleShot(0, [] {
+        if (auto* list = qobject_cast<QDialog*>(QApplication::activeModalWidget())) list->reject();
+    });
+    w->action("mnuDochList")->trigger();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_TRUE(w->editMode());
+    EXPECT_EQ(w->currentPage(), 1);
+    ASSERT_NE(w->focusWidget(), nullptr);  // the focus it gets back with the keyboard
+    EXPECT_EQ(w->focusWidget()->objectName(), "IDM");
+    EXPECT_EQ(w->report().NishumID(), "123456782");
 }
 
 TEST_F(MainWindowTest, TheExitQuestionDecidesWhetherTheWindowCloses) {
