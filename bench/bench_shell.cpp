@@ -1,16 +1,19 @@
 // The desktop program on the offscreen platform: from nothing to the first
 // entry screen shown (a new data folder, so the database is made on the way),
-// and the turn of an entry page (the page left taken into the fields, the next
-// one built, filled and painted).
+// the turn of an entry page (the page left taken into the fields, the next
+// one built, filled and painted), Calculate to the summary sheet shown, and a
+// change of result sheet.
 //   build/bin/bench_shell
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
 
+#include "report/report_json.h"
 #include "shell/main_window.h"
 #include "shell/messages.h"
 
@@ -22,6 +25,14 @@ using zelmor::shell::MainWindow;
 
 AppOptions optionsIn(const QTemporaryDir& dir) {
     return {dir.path(), dir.filePath("D2015.BRK"), *Date::fromYmd(2016, 6, 30)};
+}
+
+// The example couple's report, opened as the user would have typed it.
+void fillExample(MainWindow& w) {
+    QFile f(QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json"));
+    if (!f.open(QIODevice::ReadOnly)) std::abort();
+    const QByteArray text = f.readAll();
+    w.loadReport(zelmor::parseReportDocument(std::string_view(text.constData(), text.size())));
 }
 
 // Constructed, shown and painted: what the user waits for at start.
@@ -83,6 +94,38 @@ void BM_DraftWrite(benchmark::State& state) {
     for (auto _ : state) w->writeDraft();
 }
 BENCHMARK(BM_DraftWrite)->Unit(benchmark::kMillisecond);
+
+// Calculate from an entry page to the summary sheet shown and painted, and
+// back; the example couple's report is on the page.
+void BM_CalculateToSummary(benchmark::State& state) {
+    QTemporaryDir dir;
+    auto w = firstScreen(optionsIn(dir));
+    fillExample(*w);
+    for (auto _ : state) {
+        w->calculate();
+        QCoreApplication::processEvents();
+        state.PauseTiming();
+        w->backToEditing();
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_CalculateToSummary)->Unit(benchmark::kMillisecond);
+
+void BM_SheetChange(benchmark::State& state) {
+    QTemporaryDir dir;
+    auto w = firstScreen(optionsIn(dir));
+    fillExample(*w);
+    w->calculate();
+    int sheet = 1;
+    for (auto _ : state) {
+        sheet = sheet % 8 + 1;
+        w->goSheet(sheet);
+        QCoreApplication::processEvents();
+    }
+    state.SetLabel("sheets 1 to 8 in turn");
+}
+BENCHMARK(BM_SheetChange)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -6,12 +6,28 @@
 #include <QLibraryInfo>
 #include <QTranslator>
 #include <cstdio>
+#include <string_view>
 
 #include "cli/cli_common.h"
+#include "core/version.h"
 #include "shell/main_window.h"
 #include "storage/report_db.h"
 
+namespace {
+const char* const kUsage =
+    "usage: zelmor [--data-dir DIR] [--db FILE-OR-URI] [--today YYYY-MM-DD]\n"
+    "       zelmor --help | --version";
+}  // namespace
+
 int main(int argc, char** argv) {
+    // These two answer without a display.
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view w = argv[i];
+        if (w == "--version") std::printf("zelmor %s\n", zelmor::kVersion);
+        else if (w == "--help" || w == "-h") std::printf("%s\n", kUsage);
+        else continue;
+        return std::fflush(stdout) == 0 && !std::ferror(stdout) ? 0 : 1;
+    }
     QApplication app(argc, argv);  // takes Qt's own options out of argv
     QApplication::setApplicationName(QStringLiteral("Zelmor"));
     QApplication::setLayoutDirection(Qt::RightToLeft);
@@ -31,8 +47,7 @@ int main(int argc, char** argv) {
             QString::fromStdString(o.has("--db") ? o.value("--db") : zelmor::storage::defaultDbPath(dataDir));
         options.today = zelmor::cli::resolveToday(o);
     } catch (const zelmor::cli::UsageError& e) {
-        std::fprintf(stderr, "zelmor: %s\nusage: zelmor [--data-dir DIR] [--db FILE-OR-URI] [--today YYYY-MM-DD]\n",
-                     e.what());
+        std::fprintf(stderr, "zelmor: %s\n%s\n", e.what(), kUsage);
         return 2;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "zelmor: %s\n", e.what());

@@ -10,8 +10,10 @@
 
 #include "shell/app_storage.h"
 #include "shell/dlg_doch_list.h"
+#include "shell/dlg_madadim.h"
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"
+#include "shell/dlg_print.h"
 #include "shell/dlg_sim.h"
 #include "shell/draft_store.h"
 #include "shell/entry_page.h"
@@ -115,7 +117,7 @@ void MainWindow::buildMenus() {
             &MainWindow::openFromList);
     doch->addSeparator();
     connect(addEntry(doch, "mnuDochPrint", u("&הדפסה..."), QKeySequence(Qt::CTRL | Qt::Key_P)), &QAction::triggered,
-            this, [this] { takeScreen(); });
+            this, &MainWindow::printReport);
     connect(addEntry(doch, "mnuDochPnia", u("&נוסח פניה...")), &QAction::triggered, this,
             [this] { PniaDialog(options_.dataDir, this).exec(); });
     doch->addSeparator();
@@ -170,7 +172,8 @@ void MainWindow::buildMenus() {
     tools->menuAction()->setObjectName("mnuTools");
     connect(addEntry(tools, "mnuSite", u("Zelmor - אתר &אינטרנט"), QKeySequence(Qt::CTRL | Qt::Key_I)),
             &QAction::triggered, this, [] { tools::openWebSite(); });
-    addEntry(tools, "mnuToolsMadadim", u("&טבלת מדדים"), QKeySequence(Qt::Key_F9));
+    connect(addEntry(tools, "mnuToolsMadadim", u("&טבלת מדדים"), QKeySequence(Qt::Key_F9)), &QAction::triggered,
+            this, &MainWindow::showMadadTable);
     connect(addEntry(tools, "mnuToolsT6111", u("טו&פס 6111"), QKeySequence(Qt::CTRL | Qt::Key_F6)),
             &QAction::triggered, this, [this] {
                 // An id just typed on page 1 counts.
@@ -257,6 +260,11 @@ void MainWindow::showPage(int page) {
     page_ = p;
     p->show();
     p->focusFirst();
+}
+
+void MainWindow::loadReport(const NishumInput& report) {
+    report_ = report;
+    enterEditMode(1);
 }
 
 void MainWindow::goPage(int page) {
@@ -371,16 +379,41 @@ void MainWindow::solve(SimQuestion question) {
 }
 
 void MainWindow::updateTables() {
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    // A table that cannot be read is what an update repairs: it is not refused here.
     if (!madad_) madad_ = std::make_unique<MadadTable>(options_.dataDir);
-    // Whatever fails on the way, the user is told how far the tables reach.
-    if (const QString address = tools::updateAddress(); !address.isEmpty()) {
-        QString message;
-        madad_->UpdateMadadTable(QUrl(address), &message);
-    }
-    const QString month = madad_->LastUpdateMonth();
-    QGuiApplication::restoreOverrideCursor();
-    showMessage(this, MsgIcon::Information, u("עדכון מדדים"), u("טבלאות מדדים וסכומים מעודכנות לחודש ") + month);
+    updateMadadTables(this, *madad_, QUrl(tools::updateAddress()));
+}
+
+void MainWindow::showMadadTable() {
+    if (!madad()) return;
+    MadadimDialog(*madad_, this).exec();
+}
+
+void MainWindow::printReport() {
+    if (editMode() && !takeScreen()) return;
+    const MadadTable* table = madad();
+    if (!table) return;
+    // In result mode the sheets print as they are on show, interest date included.
+    NishumOutput out;
+    if (!editMode() && results_) out = results_->result().out;
+    PrintSession session;
+    session.report = &report_;
+    session.out = &out;
+    session.currentSection = static_cast<SectionId>(currentPage_);
+    session.currentSheet = results_ && !editMode() ? static_cast<SheetId>(results_->sheet()) : SheetId::CMain;
+    session.editMode = editMode();
+    session.calculate = [this, table](NishumOutput& into) {
+        try {
+            into = CalcDoch(report_, constants_, *table, options_.today).out;
+            return true;
+        } catch (const OverflowError&) {
+            showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kOverflowText));
+            return false;
+        }
+    };
+    PrintDialog dialog(session, PrintSetup{options_.dataDir, options_.today, {}}, this);
+    if (!lastPrinter_.isEmpty()) dialog.setCurrentPrinter(lastPrinter_);
+    if (dialog.exec() == QDialog::Accepted && !dialog.chosenPrinter().isEmpty()) lastPrinter_ = dialog.chosenPrinter();
 }
 
 void MainWindow::writeDraft() {

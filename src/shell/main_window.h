@@ -58,6 +58,9 @@ public:
     // A menu entry or key action by its name ("mnuDochNew").
     QAction* action(const QString& name) const;
 
+    // Puts a report in hand as opening a stored one does: edit mode, page 1.
+    void loadReport(const NishumInput& report);
+
     // The commands of the menus.
     void goPage(int page);
     void newReport();
@@ -68,6 +71,8 @@ public:
     void openFromList();
     void solve(SimQuestion question);
     void updateTables();
+    void showMadadTable();
+    void printReport();
     // Writes the draft now: the fields and the texts of the page on show.
     void writeDraft();
 
@@ -105,6 +110,7 @@ private:
     QMenu* mnuCalcScreens_ = nullptr;
     QMenu* mnuCalc_ = nullptr;
     QMenu* mnuEdit_ = nullptr;
+    QString lastPrinter_;  // the printer chosen last, offered first the next time
 };
 
 }  // namespace zelmor::shell

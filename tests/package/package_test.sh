@@ -42,15 +42,17 @@ fi
 # The manual pages name every command and option that --help names.
 manpage() { zcat "$root/share/man/man1/$1.1.gz" | sed 's/\\-/-/g'; }
 words_of() { grep -o -- '--[a-z][a-z-]*' | sort -u; }
+cli_man=$(manpage zelmor-cli)
+desk_man=$(manpage zelmor)
 cli_commands=$("$root/bin/zelmor-cli" --help | sed -n 's/^  zelmor-cli \([a-z][a-z-]*\).*/\1/p')
 for c in $cli_commands; do
-    manpage zelmor-cli | grep -q "^\.BR $c " || fail "zelmor-cli(1) lacks the command $c"
+    grep -q "^\.BR $c " <<< "$cli_man" || fail "zelmor-cli(1) lacks the command $c"
     for w in $("$root/bin/zelmor-cli" "$c" --help 2>/dev/null | words_of); do
-        manpage zelmor-cli | grep -q -- "$w" || fail "zelmor-cli(1) lacks $w of $c"
+        grep -q -- "$w" <<< "$cli_man" || fail "zelmor-cli(1) lacks $w of $c"
     done
 done
 for w in $("$root/bin/zelmor" --help | words_of); do
-    manpage zelmor | grep -q -- "$w" || fail "zelmor(1) lacks $w"
+    grep -q -- "$w" <<< "$desk_man" || fail "zelmor(1) lacks $w"
 done
 
 # The unpacked programs, with a data folder of their own.
