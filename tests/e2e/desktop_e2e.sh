@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # A report typed into the desktop program with the keyboard only, saved with
 # Ctrl+S, the program left through its menu; zelmor-cli must then give back
-# exactly what was typed.
+# exactly what was typed. Then the program is started again, the report opened
+# from the taxpayer list by its id typed in the search box, and printed to a
+# PDF file from the print dialog.
 #   desktop_e2e.sh ZELMOR ZELMOR_CLI
 set -euo pipefail
 ZELMOR=$1
@@ -59,7 +61,7 @@ type_text "כהן"; key Return
 type_text "דנה"; key Return
 key Return
 type_text "15/03/1970"; key Return
-# Page 2: salaries and more of the registered spouse.
+# Page 2: business income and national insurance receipts of the registered spouse.
 key Next
 type_text "250000"; key Return
 type_text "12500"; key Return
@@ -100,4 +102,55 @@ JSON
 "$CLI" export 123456782 --db "$WORK/expected.BRK" | jq -S . >"$WORK/expected.json"
 "$CLI" export 123456782 --db "$DB" | jq -S . >"$WORK/saved.json" || fail "zelmor-cli export found no report"
 diff -u "$WORK/expected.json" "$WORK/saved.json" || fail "the stored report differs from what was typed"
+
+# Again: the report from the list, found by its id, printed to a PDF file.
+"$ZELMOR" --data-dir "$DATA" --today 2016-06-30 >"$WORK/zelmor2.log" 2>&1 &
+PID=$!
+WIN=$(wait_window "^Zelmor 2015$") || fail "the main window did not appear again"
+xdotool windowfocus --sync "$WIN"
+sleep 0.2
+key alt+hebrew_dalet
+key hebrew_resh          # "&רשימת נישומים"
+LIST=$(wait_window "^רשימת נישומים$") || fail "no taxpayer list"
+xdotool windowfocus --sync "$LIST"
+type_text "123456782"    # the search box has the focus
+key Return
+WIN=$(wait_window "^Zelmor 2015 - דנה כהן$") || fail "the report did not open from the list"
+xdotool windowfocus --sync "$WIN"
+key ctrl+p
+PRINT=$(wait_window "^הדפסה$") || fail "no print dialog"
+xdotool windowfocus --sync "$PRINT"
+key Tab Tab              # from Print past Cancel to the printers (Preview waits for a choice)
+key End                  # the PDF entry stands last
+key Tab space            # "נתוני הדו\"ח"
+key Return               # Print, the default button
+SAVE=$(wait_window "שמירה כקובץ PDF") || fail "no file chooser"
+xdotool windowfocus --sync "$SAVE"
+key ctrl+a
+type_text "$WORK/report.pdf"
+key Return
+for _ in $(seq 1 500); do
+  [ -s "$WORK/report.pdf" ] && ! xdotool search --onlyvisible --name "^הדפסה$" >/dev/null 2>&1 && break
+  sleep 0.02
+done
+[ -s "$WORK/report.pdf" ] || fail "the print dialog wrote no PDF"
+pdftotext "$WORK/report.pdf" "$WORK/report.txt"
+grep -q "123456782" "$WORK/report.txt" || fail "the PDF does not hold the report's id"
+"$CLI" print "$WORK/typed.json" --pdf "$WORK/cli.pdf" --report --today 2016-06-30 --data-dir "$DATA" >/dev/null
+diff <(pdftotext -layout "$WORK/cli.pdf" - | grep -v "^$") <(pdftotext -layout "$WORK/report.pdf" - | grep -v "^$") \
+  || fail "the dialog's PDF differs from zelmor-cli print"
+
+xdotool windowfocus --sync "$WIN"
+key alt+hebrew_dalet
+key Up
+key Return
+answer_box "יציאה"
+answer_box "^שמירת"
+for _ in $(seq 1 250); do
+  kill -0 "$PID" 2>/dev/null || break
+  sleep 0.02
+done
+kill -0 "$PID" 2>/dev/null && fail "the program did not end the second time"
+wait "$PID" || fail "the program ended with status $? the second time"
+PID=""
 echo "PASS"
