@@ -73,6 +73,27 @@ type_text "4500"; key Return
 key ctrl+s
 answer_box "^שמירת"
 
+# F2: the summary sheet. The amounts it shows, read through the accessibility
+# tree, are those of zelmor-cli calc for the report as it was typed (every
+# amount that is not 0, "#,##0" with the minus behind the digits).
+xdotool windowfocus --sync "$WIN"
+key F2
+wait_window "^Zelmor 2015 - חישוב" >/dev/null || fail "F2 did not show the results"
+sleep 0.3
+/usr/bin/python3 "$(dirname "$0")/shown_labels.py" zelmor >"$WORK/labels.txt" || fail "the accessibility tree could not be read"
+grep -E '^[0-9]{1,3}(,[0-9]{3})*-?$' "$WORK/labels.txt" | sort >"$WORK/shown-amounts.txt"
+"$CLI" export 123456782 --db "$DB" >"$WORK/saved-doc.json"
+"$CLI" calc "$WORK/saved-doc.json" --today 2016-06-30 --data-dir "$DATA" | python3 -c '
+import json, sys
+for v in json.load(sys.stdin)["CMain"].values():
+    if isinstance(v, int) and v != 0:
+        print(f"{abs(v):,}" + ("-" if v < 0 else ""))' | sort >"$WORK/calc-amounts.txt"
+[ -s "$WORK/shown-amounts.txt" ] || fail "the summary shows no amounts"
+diff -u "$WORK/calc-amounts.txt" "$WORK/shown-amounts.txt" || fail "the summary's amounts differ from zelmor-cli calc"
+echo "the summary shows the $(wc -l <"$WORK/shown-amounts.txt") amounts of zelmor-cli calc"
+key F2
+wait_window "^Zelmor 2015 - דנה כהן$" >/dev/null || fail "F2 did not lead back to editing"
+
 # Out through the menu: its access letter, then up to the last entry.
 xdotool windowfocus --sync "$WIN"
 key alt+hebrew_dalet

@@ -8,14 +8,17 @@
 run_in_virtual_display() {
   if [ -z "${ZELMOR_E2E_DISPLAY:-}" ]; then
     exec flock -o /tmp/xvfb.lock xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" \
-      env ZELMOR_E2E_DISPLAY=1 bash "$(realpath "$0")" "$@"
+      dbus-run-session -- env ZELMOR_E2E_DISPLAY=1 bash "$(realpath "$0")" "$@"
   fi
 }
 
-# The program's environment: the X platform and a private runtime folder.
+# The program's environment: the X platform, a private runtime folder, and the
+# accessibility bus, through which a script reads what the window shows.
 prepare_session() {
   export QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$1/runtime"
   mkdir -m 700 "$XDG_RUNTIME_DIR"
+  export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
+  dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress >/dev/null
 }
 
 # The id of the visible window whose name matches, polled every 20 ms for up
