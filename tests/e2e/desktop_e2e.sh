@@ -46,6 +46,24 @@ answer_box() {
   fail "the message box \"$1\" did not close"
 }
 
+# Out through the menu (its access letter, then up to the last entry), Yes to
+# the exit question: saved once more on the way out; the program must end.
+quit_saving() {
+  xdotool windowfocus --sync "$WIN"
+  key alt+hebrew_dalet
+  key Up
+  key Return
+  answer_box "יציאה"
+  answer_box "^שמירת"
+  for _ in $(seq 1 250); do
+    kill -0 "$PID" 2>/dev/null || break
+    sleep 0.02
+  done
+  kill -0 "$PID" 2>/dev/null && fail "the program did not end"
+  wait "$PID" || fail "the program ended with status $?"
+  PID=""
+}
+
 type_text() { xdotool type --delay 40 "$1"; }
 key() { xdotool key "$@"; sleep 0.15; }
 
@@ -94,20 +112,7 @@ echo "the summary shows the $(wc -l <"$WORK/shown-amounts.txt") amounts of zelmo
 key F2
 wait_window "^Zelmor 2015 - דנה כהן$" >/dev/null || fail "F2 did not lead back to editing"
 
-# Out through the menu: its access letter, then up to the last entry.
-xdotool windowfocus --sync "$WIN"
-key alt+hebrew_dalet
-key Up
-key Return
-answer_box "יציאה"      # Yes: saved once more on the way out
-answer_box "^שמירת"
-for _ in $(seq 1 250); do
-  kill -0 "$PID" 2>/dev/null || break
-  sleep 0.02
-done
-kill -0 "$PID" 2>/dev/null && fail "the program did not end"
-wait "$PID" || fail "the program ended with status $?"
-PID=""
+quit_saving
 
 # What was typed, as a report document; the rest of the report is a new one,
 # but for the months lists of page 7, which show twelve for no months and keep
@@ -161,17 +166,5 @@ grep -q "123456782" "$WORK/report.txt" || fail "the PDF does not hold the report
 diff <(pdftotext -layout "$WORK/cli.pdf" - | grep -v "^$") <(pdftotext -layout "$WORK/report.pdf" - | grep -v "^$") \
   || fail "the dialog's PDF differs from zelmor-cli print"
 
-xdotool windowfocus --sync "$WIN"
-key alt+hebrew_dalet
-key Up
-key Return
-answer_box "יציאה"
-answer_box "^שמירת"
-for _ in $(seq 1 250); do
-  kill -0 "$PID" 2>/dev/null || break
-  sleep 0.02
-done
-kill -0 "$PID" 2>/dev/null && fail "the program did not end the second time"
-wait "$PID" || fail "the program ended with status $? the second time"
-PID=""
+quit_saving
 echo "PASS"
