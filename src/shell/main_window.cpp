@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QLineEdit>
+#include <QTreeWidget>
 #include <QUrl>
 #include <QMenuBar>
 #include <QTimer>
@@ -17,6 +19,7 @@
 #include "shell/dlg_sim.h"
 #include "shell/draft_store.h"
 #include "shell/entry_page.h"
+#include "shell/explain_panel.h"
 #include "shell/messages.h"
 #include "shell/result_view.h"
 #include "shell/tools.h"
@@ -345,10 +348,14 @@ void MainWindow::calculate(int sheet) {
     auto* view = new ResultView(constants_, *table, options_.today, childArea_);
     childArea_->layout()->addWidget(view);
     results_ = view;
+    connect(view, &ResultView::explainRequested, this, &MainWindow::explainCell);
     view->setResult(result);
     view->show();
     view->goSheet(sheet);
     setWindowTitle(QStringLiteral("Zelmor %1 - %2").arg(constants_.YEARDOCH()).arg(u(ModeTitle(result.FilingMode))));
+    // An explanation left open follows the new figures.
+    if (explain_ && explain_->isVisible())
+        explain_->explain(report_, constants_, *table, options_.today, explain_->sheet(), explain_->field());
 }
 
 void MainWindow::goSheet(int sheet) {
@@ -414,6 +421,39 @@ void MainWindow::printReport() {
     PrintDialog dialog(session, PrintSetup{options_.dataDir, options_.today, {}}, this);
     if (!lastPrinter_.isEmpty()) dialog.setCurrentPrinter(lastPrinter_);
     if (dialog.exec() == QDialog::Accepted && !dialog.chosenPrinter().isEmpty()) lastPrinter_ = dialog.chosenPrinter();
+}
+
+void MainWindow::explainCell(SheetId sheet, const QString& field) {
+    if (editMode() || !results_) return;
+    const MadadTable* table = madad();
+    if (!table) return;
+    if (!explain_) {
+        explain_ = new ExplainPanel(this);
+        connect(explain_, &ExplainPanel::lineActivated, this, &MainWindow::editField);
+    }
+    explain_->explain(report_, constants_, *table, options_.today, sheet, field);
+    if (!explain_->isVisible()) explain_->placeBeside(this);
+    explain_->show();
+    explain_->raise();
+    explain_->activateWindow();
+    explain_->tree()->setFocus();
+}
+
+void MainWindow::editField(SectionId section, const QString& field) {
+    const int page = static_cast<int>(section);
+    if (!editMode()) {
+        currentPage_ = page;
+        enterEditMode(page);
+    } else if (page != currentPage_) {
+        goPage(page);
+        if (currentPage_ != page) return;  // the field being left refused
+    }
+    activateWindow();
+    raise();
+    if (QWidget* w = page_ ? page_->fieldWidget(field) : nullptr) {
+        w->setFocus();
+        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
+    }
 }
 
 void MainWindow::writeDraft() {

@@ -29,6 +29,7 @@ namespace zelmor::shell {
 
 class DraftStore;
 class EntryPage;
+class ExplainPanel;
 class ResultView;
 
 // What the command line gives: the data folder (the index table, the drafts,
@@ -73,6 +74,12 @@ public:
     void updateTables();
     void showMadadTable();
     void printReport();
+    // Opens (or brings up) the window beside this one that explains a cell of
+    // the results on show, worked out from the report in hand.
+    void explainCell(SheetId sheet, const QString& field);
+    // Back to editing on the page of a report field, with the focus in that field.
+    void editField(SectionId section, const QString& field);
+    ExplainPanel* explainPanel() const { return explain_; }
     // Writes the draft now: the fields and the texts of the page on show.
     void writeDraft();
 
@@ -106,6 +113,7 @@ private:
     std::unique_ptr<MadadTable> madad_;
     std::unique_ptr<DraftStore> drafts_;
     QTimer* draftTimer_ = nullptr;
+    ExplainPanel* explain_ = nullptr;
     QMenu* mnuDetails_ = nullptr;
     QMenu* mnuCalcScreens_ = nullptr;
     QMenu* mnuCalc_ = nullptr;

@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <QCalendarWidget>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -121,6 +124,31 @@ void ResultView::copySheet() const {
     if (canvas_) QApplication::clipboard()->setText(canvas_->sheetText());
 }
 
+QString ResultView::cellForKey(QObject* from) const {
+    if (!canvas_) return {};
+    const QString field = canvas_->cellField(from);
+    return field.isEmpty() ? canvas_->cellField(QApplication::widgetAt(QCursor::pos())) : field;
+}
+
+void ResultView::cellMenu(QWidget* cell, const QPoint& at) {
+    const QString field = canvas_->cellField(cell);
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("mnuCell"));
+    QAction* explain = menu.addAction(QStringLiteral("הסבר"));
+    explain->setObjectName(QStringLiteral("mnuExplain"));
+    explain->setShortcut(QKeySequence(Qt::Key_F1));
+    QAction* copy = menu.addAction(QStringLiteral("העתק"));
+    copy->setObjectName(QStringLiteral("mnuCopy"));
+    QAction* chosen = menu.exec(at);
+    if (chosen == explain) {
+        emit explainRequested(static_cast<SheetId>(sheet_), field);
+    } else if (chosen == copy) {
+        auto* label = qobject_cast<QLabel*>(cell);
+        const QString text = label ? (label->hasSelectedText() ? label->selectedText() : label->text()) : QString();
+        QApplication::clipboard()->setText(text);
+    }
+}
+
 bool ResultView::handleKey(QObject* from, QKeyEvent* e) {
     if (e->matches(QKeySequence::Copy)) {
         // A selected amount copies itself; otherwise the whole sheet.
@@ -139,6 +167,10 @@ bool ResultView::handleKey(QObject* from, QKeyEvent* e) {
         case Qt::Key_Escape:  // nothing to do on the summary itself
             if (sheet_ != 1) goSheet(1);
             return true;
+        case Qt::Key_F1:
+            if (const QString field = cellForKey(from); !field.isEmpty())
+                emit explainRequested(static_cast<SheetId>(sheet_), field);
+            return true;
         default: return false;
     }
 }
@@ -146,6 +178,22 @@ bool ResultView::handleKey(QObject* from, QKeyEvent* e) {
 bool ResultView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress && watched != picker_ && handleKey(watched, static_cast<QKeyEvent*>(event)))
         return true;
+    if (canvas_ && !canvas_->cellField(watched).isEmpty()) {
+        auto* cell = static_cast<QWidget*>(watched);
+        switch (event->type()) {
+            case QEvent::ContextMenu: {
+                // From the mouse at the pointer, from the keyboard under the amount.
+                const auto* menu = static_cast<QContextMenuEvent*>(event);
+                cellMenu(cell, menu->reason() == QContextMenuEvent::Mouse ? menu->globalPos()
+                                                                         : cell->mapToGlobal(cell->rect().bottomLeft()));
+                return true;
+            }
+            // The amount with the focus is framed: it is the one F1 explains.
+            case QEvent::FocusIn: static_cast<QLabel*>(cell)->setFrameShape(QFrame::Box); break;
+            case QEvent::FocusOut: static_cast<QLabel*>(cell)->setFrameShape(QFrame::NoFrame); break;
+            default: break;
+        }
+    }
     return QWidget::eventFilter(watched, event);
 }
 

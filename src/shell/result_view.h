@@ -33,11 +33,15 @@ public:
 
     // Page Up/Down (no wrap; Page Down from 7 reaches 8 and stops there), Esc
     // (back to the summary) and Ctrl+C (the sheet as tab-separated text) are
-    // handled here. The function keys are left to the main window's menus.
+    // handled here; so are F1 and the context menu entry "הסבר" on an amount,
+    // which ask for its explanation. The other function keys are left to the
+    // main window's menus.
     QSize sizeHint() const override { return {600, 400}; }
 
 signals:
     void sheetChanged(int sheet);
+    // The explanation of a cell of the sheet on show is asked for.
+    void explainRequested(SheetId sheet, const QString& field);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -49,6 +53,9 @@ private:
     void runDateRule();        // Enter in the interest date field
     void openPicker();
     void copySheet() const;
+    // The cell F1 means: the amount with the focus, else the one under the mouse pointer.
+    QString cellForKey(QObject* from) const;
+    void cellMenu(QWidget* cell, const QPoint& at);
 
     ConstDoch c_;
     const MadadLookup& madad_;

@@ -100,6 +100,10 @@ QLabel* SheetCanvas::addLabel(const QString& text, Box box, double top, bool bol
         label->setLayoutDirection(Qt::LeftToRight);
         label->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        if (!name.isEmpty()) {
+            label->setProperty("cell", true);
+            label->setFocusPolicy(Qt::StrongFocus);
+        }
     } else {
         label->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
     }
@@ -265,6 +269,11 @@ void SheetCanvas::relayout() {
             case Anchor::LeftOf: item.widget->setGeometry(left - px - 1, y, px, h); break;
         }
     }
+}
+
+QString SheetCanvas::cellField(const QObject* widget) const {
+    if (!widget || widget->parent() != this || !widget->property("cell").toBool()) return {};
+    return widget->objectName();
 }
 
 QString SheetCanvas::sheetText() const { return textLines_.join(QLatin1Char('\n')) + QLatin1Char('\n'); }

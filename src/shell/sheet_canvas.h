@@ -32,6 +32,10 @@ public:
     QString sheetText() const;
     // The height the content needs at the present width.
     int contentHeight() const { return contentHeight_; }
+    // The name of the cell a widget of the sheet shows, or "" for a caption,
+    // a head or a button. The cells take the focus (click or Tab), so that F1
+    // and the context menu know which one is meant.
+    QString cellField(const QObject* widget) const;
 
 signals:
     void detailsRequested(int page);  // a button of the summary
