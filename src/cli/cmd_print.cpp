@@ -2,7 +2,7 @@
 // insurance sheet into one PDF file. Each part asked for is a print job of its
 // own (its own page head and page numbers from 1), in the order report,
 // results, national insurance; without a part flag the report and the results
-// print. The file is written only when every job printed; "--pdf -" writes
+// print. --explain ends the results with the appendix of explanations. The file is written only when every job printed; "--pdf -" writes
 // the PDF to standard output.
 
 #include <QString>
@@ -12,6 +12,7 @@
 #include "cli/cli_common.h"
 #include "cli/commands.h"
 #include "engine/calc.h"
+#include "engine/trace.h"
 #include "print/print_nishum.h"
 #include "tables/madad_table.h"
 
@@ -39,6 +40,8 @@ int runPrint(const Options& o) {
 
     bool wantReport = o.has("--report"), wantResults = o.has("--results"), wantBL = o.has("--bl");
     if (!wantReport && !wantResults && !wantBL) wantReport = wantResults = true;
+    const bool wantExplain = o.has("--explain");
+    if (wantExplain && !wantResults) throw UsageError("--explain adds to the result sheets (--results)");
 
     QString fontWarning;
     ClsPrint::printFamily(&fontWarning);
@@ -50,11 +53,12 @@ int runPrint(const Options& o) {
                      }};
 
     NishumOutput out;
+    trace::Trace trace;
     if (wantResults || wantBL) {
         const auto madad = openMadadTable(dataDir, "print", false);
         if (!madad) return 1;
         try {
-            out = CalcDoch(*report, ConstDoch(), *madad, today).out;
+            out = CalcDoch(*report, ConstDoch(), *madad, today, wantExplain ? &trace : nullptr).out;
         } catch (const OverflowError& e) {
             std::fprintf(stderr, "zelmor-cli print: the calculation stopped: %s\n", e.what());
             return 3;
@@ -70,7 +74,8 @@ int runPrint(const Options& o) {
     }
     bool ok = true;
     if (ok && wantReport) ok = PrintNishum(target, setup, *report, false);
-    if (ok && wantResults) ok = PrintNishum(target, setup, *report, out, false, false);
+    if (ok && wantResults)
+        ok = PrintNishum(target, setup, *report, out, false, false, SheetId::CMain, wantExplain ? &trace : nullptr);
     if (ok && wantBL) ok = PrintNishum(target, setup, *report, out, false, true);
     if (!ok || !target.finish(&error)) {
         target.cancel();

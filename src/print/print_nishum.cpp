@@ -41,7 +41,7 @@ bool PrintNishum(PrintTarget& target, const PrintSetup& setup, const NishumInput
 }
 
 bool PrintNishum(PrintTarget& target, const PrintSetup& setup, const NishumInput& report, const NishumOutput& out,
-                 bool bCurrentPage, bool bBL, SheetId current) {
+                 bool bCurrentPage, bool bBL, SheetId current, const trace::Trace* explain) {
     const ConstDoch c;
     ClsPrint p(target, readPageHead(setup, report, c.YEARDOCH()), setup.onError);
     if (p.PrintHeader() < 0) return false;
@@ -54,6 +54,7 @@ bool PrintNishum(PrintTarget& target, const PrintSetup& setup, const NishumInput
             PrintSheet(p, static_cast<SheetId>(page), out, c);
             if (page < 7) p.NextLine(3);
         }
+        if (explain) PrintExplanations(p, *explain, out);
     } else {
         PrintSheet(p, SheetId::CBL, out, c);
     }
@@ -83,12 +84,15 @@ int runPrintJobs(PrintTarget& target, const PrintSetup& setup, const PrintChoice
                 ok = PrintNishum(target, setup, *session.report, true, session.currentSection);
                 break;
             case PrintJob::ResultSheets:
-            case PrintJob::NationalInsurance:
+            case PrintJob::NationalInsurance: {
                 // The sheets always print a fresh calculation.
-                if (!session.calculate || !session.calculate(*session.out)) break;
+                const bool explain = choices.explain && job == PrintJob::ResultSheets;
+                trace::Trace trace;
+                if (!session.calculate || !session.calculate(*session.out, explain ? &trace : nullptr)) break;
                 ok = PrintNishum(target, setup, *session.report, *session.out, false,
-                                 job == PrintJob::NationalInsurance);
+                                 job == PrintJob::NationalInsurance, SheetId::CMain, explain ? &trace : nullptr);
                 break;
+            }
             case PrintJob::CurrentSheet:
                 ok = PrintNishum(target, setup, *session.report, *session.out, true, false, session.currentSheet);
                 break;

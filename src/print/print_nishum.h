@@ -9,6 +9,7 @@
 
 #include "core/date.h"
 #include "core/tax_year.h"
+#include "engine/trace.h"
 #include "print/cls_print.h"
 #include "report/nishum_input.h"
 #include "results/nishum_output.h"
@@ -36,9 +37,11 @@ bool PrintNishum(PrintTarget& target, const PrintSetup& setup, const NishumInput
 
 // The result sheets: the sheet on screen alone (bCurrentPage), or pages 1 to 7
 // with three lines between them, or the national insurance sheet alone (bBL).
-// False when the device failed at the head.
+// With `explain` (the trace of the calculation that gave `out`) pages 1 to 7
+// are followed by the appendix of explanations. False when the device failed at the head.
 bool PrintNishum(PrintTarget& target, const PrintSetup& setup, const NishumInput& report, const NishumOutput& out,
-                 bool bCurrentPage, bool bBL, SheetId current = SheetId::CMain);
+                 bool bCurrentPage, bool bBL, SheetId current = SheetId::CMain,
+                 const trace::Trace* explain = nullptr);
 
 // --- the print dialog ---
 
@@ -51,6 +54,7 @@ struct PrintChoices {
     bool bl = false;        // "דמי ביטוח לאומי": the national insurance sheet
     bool currPage = false;  // "עמוד נוכחי": the page on screen
     bool calc = false;      // "חישוב הדו"ח": the result sheets
+    bool explain = false;   // "נספח הסברים": the result sheets end with the appendix of explanations
 };
 
 enum class PrintJob { ReportSections, CurrentSection, ResultSheets, NationalInsurance, CurrentSheet };
@@ -67,9 +71,10 @@ struct PrintSession {
     SectionId currentSection = SectionId::Pratim;
     SheetId currentSheet = SheetId::CMain;
     bool editMode = true;
-    // Runs the calculation into *out. False when it gives no result (it has
-    // told the user why); the job that needed it is then left out.
-    std::function<bool(NishumOutput& out)> calculate;
+    // Runs the calculation into *out, recording into `sink` how it came about
+    // when there is one. False when it gives no result (it has told the user
+    // why); the job that needed it is then left out.
+    std::function<bool(NishumOutput& out, trace::Trace* sink)> calculate;
 };
 
 // Runs the jobs of the choices one after the other, each with its own head

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "print/paper.h"
 #include "print/print_target.h"
 #include "shell/messages.h"
 
@@ -123,8 +124,13 @@ PrintDialog::PrintDialog(PrintSession session, PrintSetup setup, QWidget* parent
     named(chkCurrPage_, "chkCurrPage", {});
     chkCalc_ = new QCheckBox(QStringLiteral("חישוב הדו\"ח"), frameRange);
     named(chkCalc_, "chkCalc", {});
+    // The appendix belongs to the result sheets: it can be chosen with them only.
+    chkExplain_ = new QCheckBox(kExplainAppendixTitle, frameRange);
+    named(chkExplain_, "chkExplain", {});
+    chkExplain_->setEnabled(false);
+    connect(chkCalc_, &QCheckBox::toggled, chkExplain_, &QWidget::setEnabled);
     auto* rangeLayout = new QVBoxLayout(frameRange);
-    for (QCheckBox* c : {chkDetails_, chkBL_, chkCurrPage_, chkCalc_}) rangeLayout->addWidget(c);
+    for (QCheckBox* c : {chkDetails_, chkBL_, chkCurrPage_, chkCalc_, chkExplain_}) rangeLayout->addWidget(c);
 
     auto* groups = new QVBoxLayout;
     groups->addWidget(framePrinter);
@@ -142,7 +148,8 @@ PrintDialog::PrintDialog(PrintSession session, PrintSetup setup, QWidget* parent
     top->addLayout(buttons);
 
     // Tab order: the buttons, the printer list, the choices.
-    QWidget* order[] = {cmdPrint_, cmdPreview_, cmdCancel_, cmbPrinters_, chkDetails_, chkBL_, chkCurrPage_, chkCalc_};
+    QWidget* order[] = {cmdPrint_,   cmdPreview_, cmdCancel_,   cmbPrinters_, chkDetails_,
+                        chkBL_,      chkCurrPage_, chkCalc_,    chkExplain_};
     for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
 
     connect(cmdPrint_, &QPushButton::clicked, this, &PrintDialog::print);
@@ -193,7 +200,8 @@ PrintChoices PrintDialog::choices() const {
     return {.details = chkDetails_->isChecked(),
             .bl = chkBL_->isChecked(),
             .currPage = chkCurrPage_->isChecked(),
-            .calc = chkCalc_->isChecked()};
+            .calc = chkCalc_->isChecked(),
+            .explain = chkCalc_->isChecked() && chkExplain_->isChecked()};
 }
 
 void PrintDialog::print() {

@@ -73,6 +73,7 @@ private:
     QCheckBox* chkBL_ = nullptr;
     QCheckBox* chkCurrPage_ = nullptr;
     QCheckBox* chkCalc_ = nullptr;
+    QCheckBox* chkExplain_ = nullptr;
 };
 
 }  // namespace zelmor::shell

@@ -409,9 +409,9 @@ void MainWindow::printReport() {
     session.currentSection = static_cast<SectionId>(currentPage_);
     session.currentSheet = results_ && !editMode() ? static_cast<SheetId>(results_->sheet()) : SheetId::CMain;
     session.editMode = editMode();
-    session.calculate = [this, table](NishumOutput& into) {
+    session.calculate = [this, table](NishumOutput& into, trace::Trace* sink) {
         try {
-            into = CalcDoch(report_, constants_, *table, options_.today).out;
+            into = CalcDoch(report_, constants_, *table, options_.today, sink).out;
             return true;
         } catch (const OverflowError&) {
             showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kOverflowText));

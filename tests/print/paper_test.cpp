@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocale>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -202,7 +205,7 @@ TEST(PrintDialog, JobsTheirOrderAndTheCalculationFirst) {
     NishumInput r;
     NishumOutput out;
     int calculations = 0;
-    PrintSession session{&r, &out, SectionId::Pratim, SheetId::CMain, true, [&](NishumOutput& o) {
+    PrintSession session{&r, &out, SectionId::Pratim, SheetId::CMain, true, [&](NishumOutput& o, trace::Trace*) {
                              o.Main.HachnasotM = 1;
                              return ++calculations == 1;
                          }};
@@ -238,4 +241,60 @@ TEST(PrintCommand, WritesThePdfOrRefusesWithTheExitStatus) {
                    QStringLiteral("2016-05-01"), QStringLiteral("--data-dir"), dir.path()}),
               0);
     expectOnPaper(pdfPages(out), {"חבות משוערת בדמי ביטוח לאומי", "משרד לוי", "שורה א", "שורה ב"}, {"01/05/2016"});
+}
+
+// The appendix of explanations follows the result sheets only when asked for,
+// and shows the tax due as its formula with the numbers the explain command gives.
+TEST(PrintCommand, ExplainAddsTheAppendixWithTheFormulasNumbers) {
+    const QString cli = QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli");
+    if (!QFile::exists(cli)) GTEST_SKIP() << "zelmor-cli is not built";
+    QTemporaryDir dir;
+    const QString report = QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json");
+    const QStringList common{QStringLiteral("--today"), QStringLiteral("2016-06-30"), QStringLiteral("--data-dir"),
+                             dir.path()};
+    auto run = [&](const QStringList& args) {
+        QProcess p;
+        p.start(cli, args + common);
+        EXPECT_TRUE(p.waitForFinished(60000));
+        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        return p.readAllStandardOutput();
+    };
+    const QJsonObject tree =
+        QJsonDocument::fromJson(run({QStringLiteral("explain"), report, QStringLiteral("CMain.MasMagiaM"),
+                                     QStringLiteral("--json"), QStringLiteral("--depth"), QStringLiteral("1")}))
+            .object()
+            .value(QStringLiteral("tree"))
+            .toObject();
+    // The operands and the value, as the formula writes them ("51,438 − 10,016" and "41,422").
+    QStringList numbers;
+    for (const auto& m : QRegularExpression(QStringLiteral("[\\d,]+")).globalMatch(tree.value(QStringLiteral("numbers")).toString()))
+        numbers << m.captured();
+    numbers << QLocale(QLocale::English).toString(tree.value(QStringLiteral("value")).toInteger());
+    ASSERT_EQ(numbers.size(), 3) << numbers.join(QLatin1Char(' ')).toStdString();
+
+    const QString with = dir.filePath(QStringLiteral("with.pdf")), without = dir.filePath(QStringLiteral("without.pdf"));
+    run({QStringLiteral("print"), report, QStringLiteral("--pdf"), with, QStringLiteral("--results"),
+         QStringLiteral("--explain")});
+    run({QStringLiteral("print"), report, QStringLiteral("--pdf"), without, QStringLiteral("--results")});
+    const QStringList pages = pdfPages(with), plain = pdfPages(without);
+    EXPECT_FALSE(anyPageHas(plain, QStringLiteral("נספח הסברים")));
+    ASSERT_TRUE(anyPageHas(pages, QStringLiteral("נספח הסברים")));
+    // The sheets come first, as without the appendix, which starts a page of its own.
+    ASSERT_GT(pages.size(), plain.size());
+    EXPECT_EQ(pages.mid(0, plain.size()), plain);
+    EXPECT_TRUE(pages[plain.size()].contains(QStringLiteral("נספח הסברים")));
+    bool found = false;
+    for (const QString& page : pages.mid(plain.size()))
+        for (const QString& line : page.split(QLatin1Char('\n')))
+            if (line.contains(QStringLiteral("מס מגיע")) &&
+                std::all_of(numbers.begin(), numbers.end(), [&](const QString& n) { return line.contains(n); }))
+                found = true;
+    EXPECT_TRUE(found) << numbers.join(QLatin1Char(' ')).toStdString();
+
+    // Without the result sheets there is nothing to add to.
+    QProcess p;
+    p.start(cli, QStringList{QStringLiteral("print"), report, QStringLiteral("--pdf"), dir.filePath("x.pdf"),
+                             QStringLiteral("--bl"), QStringLiteral("--explain")} + common);
+    ASSERT_TRUE(p.waitForFinished(60000));
+    EXPECT_EQ(p.exitCode(), 2);
 }

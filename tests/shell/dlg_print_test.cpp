@@ -47,8 +47,8 @@ protected:
     }
 
     PrintSession session(bool editMode) {
-        return {&report_, &out_, SectionId::Yegia, SheetId::CHishuv, editMode, [this](NishumOutput& o) {
-                    o = CalcDoch(report_, ConstDoch(), table_, today_).out;
+        return {&report_, &out_, SectionId::Yegia, SheetId::CHishuv, editMode, [this](NishumOutput& o, trace::Trace* sink) {
+                    o = CalcDoch(report_, ConstDoch(), table_, today_, sink).out;
                     return true;
                 }};
     }
@@ -65,6 +65,7 @@ protected:
         d->findChild<QCheckBox*>(QStringLiteral("chkBL"))->setChecked(c.bl);
         d->findChild<QCheckBox*>(QStringLiteral("chkCurrPage"))->setChecked(c.currPage);
         d->findChild<QCheckBox*>(QStringLiteral("chkCalc"))->setChecked(c.calc);
+        d->findChild<QCheckBox*>(QStringLiteral("chkExplain"))->setChecked(c.explain);
         return d;
     }
 
@@ -131,6 +132,7 @@ TEST_F(PrintDialogTest, PdfFileAsTheCommandLineToolWritesIt) {
         {{.bl = true}, {QStringLiteral("--bl")}},
         {{.details = true, .calc = true}, {QStringLiteral("--report"), QStringLiteral("--results")}},
         {{.bl = true, .calc = true}, {QStringLiteral("--results")}},
+        {{.calc = true, .explain = true}, {QStringLiteral("--results"), QStringLiteral("--explain")}},
     };
     int n = 0;
     for (const auto& c : cases) {
@@ -236,16 +238,21 @@ TEST_F(PrintDialogTest, PreviewShowsThePagesOfThePrint) {
 TEST_F(PrintDialogTest, KeyboardReachesEveryControlAndEscCancels) {
     PrintDialog d(session(true), setup());
     d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);  // the preview has something to show
+    auto* appendix = d.findChild<QCheckBox*>(QStringLiteral("chkExplain"));
+    EXPECT_FALSE(appendix->isEnabled());  // it belongs to the result sheets
+    d.findChild<QCheckBox*>(QStringLiteral("chkCalc"))->setChecked(true);
+    EXPECT_TRUE(appendix->isEnabled());
+    EXPECT_EQ(appendix->text(), QStringLiteral("נספח הסברים"));
     d.show();
     QApplication::setActiveWindow(&d);
     ASSERT_NE(d.focusWidget(), nullptr);
     QStringList order{d.focusWidget()->objectName()};
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 8; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         order << QApplication::focusWidget()->objectName();
     }
     EXPECT_EQ(order, (QStringList{"cmdPrint", "cmdPreview", "cmdCancel", "cmbPrinters", "chkDetails", "chkBL",
-                                  "chkCurrPage", "chkCalc"}));
+                                  "chkCurrPage", "chkCalc", "chkExplain"}));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(d.result(), QDialog::Rejected);
     EXPECT_FALSE(d.isVisible());
