@@ -15,18 +15,18 @@ namespace zelmor {
 namespace {
 
 constexpr double kFirstColumn = 5;  // the right margin of the appendix, as the sheets' titles
-constexpr double kIndent = 3;       // columns a level
+constexpr double kIndent = 4;       // columns a level
 
 // Prints one line of an explanation at its level; a line wider than the room
 // left of its column goes on over more lines, two columns further in.
-void printWrapped(ClsPrint& p, double column, const QString& text) {
+void printWrapped(ClsPrint& p, double column, const QString& text, bool bold = false) {
     const double room = std::max(20.0, p.ScaleWidth() - column - 2);
     QString line;
     double at = column;
     for (const QString& word : text.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         const QString longer = line.isEmpty() ? word : line + QLatin1Char(' ') + word;
-        if (!line.isEmpty() && p.TextWidth(longer) > room - (at - column)) {
-            p.PrintString(at, line, false);
+        if (!line.isEmpty() && p.TextWidth(longer, bold) > room - (at - column)) {
+            p.PrintString(at, line, bold);
             p.NextLine(1);
             at = column + 2;
             line = word;
@@ -34,15 +34,16 @@ void printWrapped(ClsPrint& p, double column, const QString& text) {
             line = longer;
         }
     }
-    if (!line.isEmpty()) p.PrintString(at, line, false);
+    if (!line.isEmpty()) p.PrintString(at, line, bold);
     p.NextLine(1);
 }
 
-// An explanation as explainText writes it: two blanks a level.
+// An explanation as explainText writes it: two blanks a level. The figure
+// explained stands out in bold.
 void printTree(ClsPrint& p, const std::string& text) {
     for (const QString& line : QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         const auto blanks = line.size() - QStringView(line).trimmed().size();
-        printWrapped(p, kFirstColumn + kIndent * static_cast<double>(blanks / 2), line.trimmed());
+        printWrapped(p, kFirstColumn + kIndent * static_cast<double>(blanks / 2), line.trimmed(), blanks == 0);
     }
 }
 
