@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "core/values.h"
 #include "engine/calc.h"
 #include "engine/explain.h"
 #include "engine/trace.h"
@@ -81,7 +82,7 @@ ExplainPanel::ExplainPanel(QWidget* parent) : QWidget(parent, Qt::Window), trace
 ExplainPanel::~ExplainPanel() = default;
 
 void ExplainPanel::explain(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
-                           SheetId sheet, const QString& field) {
+                           SheetId sheet, const QString& field, const NishumOutput* shown) {
     sheet_ = sheet;
     field_ = field;
     tree_->clear();
@@ -99,17 +100,26 @@ void ExplainPanel::explain(const NishumInput& report, const ConstDoch& c, const 
     }
     mode_->setText(QString::fromUtf8(ModeTitle(result.FilingMode)));
     const int node = trace_->cell(id);
+    const double onShow = sheetValue(shown ? *shown : result.out, sheet, field.toStdString());
+    const SheetFieldDef* def = findSheetField(sheetName, field.toStdString());
+    const QString valueText = def && def->type == SheetFieldType::Date
+                                  ? q(FormatDate(Date::fromSerial(static_cast<std::int32_t>(onShow))))
+                                  : q(trace::formatNumber(onShow));
     QTreeWidgetItem* root = nullptr;
     if (node >= 0) {
         caption = q(trace_->name(node));
         root = addNode(nullptr, node);
         root->setExpanded(true);
+        if (onShow != trace_->at(node).value) {
+            // The interest worked out again for another date on the summary.
+            auto* note = new QTreeWidgetItem(tree_);
+            note->setText(0, QStringLiteral("על המסך: ") + valueText + QStringLiteral(" (לפי תאריך הריבית שנבחר)"));
+            note->setData(0, kNodeRole, -1);
+        }
     } else {
         // A row the run left empty, or a figure whose rule records nothing.
         root = new QTreeWidgetItem(tree_);
-        root->setText(0, caption + QStringLiteral(" = ") +
-                             q(trace::formatNumber(sheetValue(result.out, sheet, field.toStdString()))) +
-                             QStringLiteral(" (אין הסבר רשום לתא זה)"));
+        root->setText(0, caption + QStringLiteral(" = ") + valueText + QStringLiteral(" (אין הסבר רשום לתא זה)"));
         root->setData(0, kNodeRole, -1);
     }
     if (trace_->filing >= 0) addNode(nullptr, trace_->filing);

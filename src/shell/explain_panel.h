@@ -36,9 +36,11 @@ public:
     ~ExplainPanel() override;
 
     // Works the report out again, recording how, and shows the cell's tree.
-    // The figures are those of the results on show when the arguments are theirs.
+    // The figures are those of the results on show when the arguments are
+    // theirs; `shown` (the sheets on show) gives the value of a cell that has
+    // no explanation, and of one the interest date has changed since.
     void explain(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today, SheetId sheet,
-                 const QString& field);
+                 const QString& field, const NishumOutput* shown = nullptr);
 
     SheetId sheet() const { return sheet_; }
     const QString& field() const { return field_; }

@@ -355,7 +355,8 @@ void MainWindow::calculate(int sheet) {
     setWindowTitle(QStringLiteral("Zelmor %1 - %2").arg(constants_.YEARDOCH()).arg(u(ModeTitle(result.FilingMode))));
     // An explanation left open follows the new figures.
     if (explain_ && explain_->isVisible())
-        explain_->explain(report_, constants_, *table, options_.today, explain_->sheet(), explain_->field());
+        explain_->explain(report_, constants_, *table, options_.today, explain_->sheet(), explain_->field(),
+                          &results_->result().out);
 }
 
 void MainWindow::goSheet(int sheet) {
@@ -431,7 +432,7 @@ void MainWindow::explainCell(SheetId sheet, const QString& field) {
         explain_ = new ExplainPanel(this);
         connect(explain_, &ExplainPanel::lineActivated, this, &MainWindow::editField);
     }
-    explain_->explain(report_, constants_, *table, options_.today, sheet, field);
+    explain_->explain(report_, constants_, *table, options_.today, sheet, field, &results_->result().out);
     if (!explain_->isVisible()) explain_->placeBeside(this);
     explain_->show();
     explain_->raise();

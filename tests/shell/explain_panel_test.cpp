@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -20,6 +21,7 @@
 #include "engine/calc.h"
 #include "engine/explain.h"
 #include "engine/trace.h"
+#include "results/sheet_rows.h"
 #include "shell/dlg_test_support.h"
 #include "shell/entry_page.h"
 #include "shell/explain_panel.h"
@@ -152,6 +154,25 @@ TEST_F(ExplainPanelTest, TheContextMenuOfAnAmountExplainsIt) {
     EXPECT_EQ(panel->sheet(), SheetId::CZikuim);
     EXPECT_EQ(panel->field(), cell->objectName());
     EXPECT_TRUE(panel->tree()->topLevelItem(0)->text(0).contains(cell->text()));
+}
+
+TEST_F(ExplainPanelTest, TheBalanceForAnotherInterestDateIsTheOneOnShow) {
+    QLineEdit* date = window_->resultView()->findChild<QLineEdit*>(QStringLiteral("RibitDate"));
+    ASSERT_NE(date, nullptr);
+    const double before = sheetValue(window_->resultView()->result().out, SheetId::CMain, "Itra");
+    date->setText(QStringLiteral("31/12/2017"));
+    QTest::keyClick(date, Qt::Key_Return);
+    const double onShow = sheetValue(window_->resultView()->result().out, SheetId::CMain, "Itra");
+    ASSERT_NE(onShow, before);
+    QLabel* balance = amount("Itra");
+    ASSERT_NE(balance, nullptr);
+    QTest::keyClick(balance, Qt::Key_F1);
+    ASSERT_NE(window_->explainPanel(), nullptr);
+    QTreeWidget* tree = window_->explainPanel()->tree();
+    const QString shown = QString::fromStdString(trace::formatNumber(onShow));
+    bool found = false;
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) found = found || tree->topLevelItem(i)->text(0).contains(shown);
+    EXPECT_TRUE(found) << shown.toStdString();
 }
 
 TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
