@@ -1,6 +1,8 @@
 #include "engine/trace.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <unordered_map>
 
 #include "core/amount.h"
 #include "engine/tracer.h"
@@ -159,8 +161,8 @@ const Catalogue& catalogue() {
 
 }  // namespace
 
-Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size) : t_(t), calc_(static_cast<const char*>(calc)) {
-    catalogue();
+Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size)
+    : t_(t), calc_(static_cast<const char*>(calc)), catalogue_(&catalogue()) {
     t_.clear();
     // One slot for every 4 bytes of the calculation, then one for every 2 of the report.
     const std::size_t calcSlots = size / 4 + 1, reportSlots = sizeof(NishumInput) / 2 + 1;
@@ -230,7 +232,7 @@ const void* Recorder::lineAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     for (const Range& r : reportRanges_)
         if (p >= r.begin && p < r.begin + r.size) {
-            return catalogue().lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
+            return static_cast<const Catalogue*>(catalogue_)->lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
         }
     return nullptr;
 }
@@ -238,7 +240,7 @@ const void* Recorder::lineAt(const void* addr) const {
 const void* Recorder::cellAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
-    return catalogue().cellAt[static_cast<std::size_t>(p - out_) / 4];
+    return static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
 }
 
 int Recorder::add(const Node& n) {
@@ -268,15 +270,19 @@ int Recorder::nodeOf(const void* addr, double value) {
 }
 
 int Recorder::constant(const char* name, double value) {
-    if (const auto it = constants_.find(name); it != constants_.end() && t_.at(it->second).value == value)
-        return it->second;
+    // The same name may stand in two places of the program with two addresses:
+    // each is a slot of its own, and both nodes read the same.
+    std::size_t h = (reinterpret_cast<std::uintptr_t>(name) >> 3) % constants_.size();
+    while (constants_[h].name && constants_[h].name != name) h = (h + 1) % constants_.size();
+    ConstantSlot& c = constants_[h];
+    if (c.name && t_.at(c.node).value == value) return c.node;
     Node n;
     n.op = Op::Constant;
     n.value = value;
     n.source = name;
-    const int i = add(n);
-    constants_[name] = i;
-    return i;
+    c.name = name;
+    c.node = add(n);
+    return c.node;
 }
 
 int Recorder::op(Op o, double value, int a, int b) {
@@ -285,16 +291,33 @@ int Recorder::op(Op o, double value, int a, int b) {
     n.value = value;
     n.spouse = spouse;
     n.first = static_cast<int>(t_.kidPool.size());
-    // A chain of sums reads as one sum: a + b + c, added left to right.
+    // A chain of sums reads as one sum: a + b + c, added left to right. The
+    // left sum's children are taken over where they lie when they end the pool.
     const Node& left = t_.at(a);
     if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
-        for (int i = 0; i < left.count; ++i) t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
+        if (static_cast<std::size_t>(left.first + left.count) == t_.kidPool.size())
+            n.first = left.first;
+        else
+            for (int i = 0; i < left.count; ++i)
+                t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
     } else {
         t_.kidPool.push_back(a);
     }
     if (b >= 0) t_.kidPool.push_back(b);
     n.count = static_cast<int>(t_.kidPool.size()) - n.first;
-    return add(n);
+    const int i = add(n);
+    openSum_ = o == Op::Sum ? i : -1;
+    return i;
+}
+
+int Recorder::extend(double value, int a, int b) {
+    Node& n = t_.nodes[static_cast<std::size_t>(a)];
+    if (a != openSum_ || static_cast<std::size_t>(n.first + n.count) != t_.kidPool.size())
+        return op(Op::Sum, value, a, b);
+    t_.kidPool.push_back(b);
+    ++n.count;
+    n.value = value;
+    return a;
 }
 
 int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
@@ -305,11 +328,13 @@ int Recorder::decision(const char* title, const char* rule, double value, std::i
     n.rule = rule;
     n.first = static_cast<int>(t_.kidPool.size());
     n.count = static_cast<int>(kids.size());
+    openSum_ = -1;
     t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
     return add(n);
 }
 
 int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
+    openSum_ = -1;
     Node copy;
     copy.op = Op::Copy;
     copy.value = t_.at(node).value;
@@ -323,7 +348,7 @@ int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, 
     return add(copy);
 }
 
-int Recorder::name(int node, const char* rule) { return copyOf(node, {}, rule, {}); }
+int Recorder::name(int node, std::string_view rule) { return copyOf(node, {}, rule, {}); }
 
 int Recorder::datePart(const void* addr, const char* part, double value) {
     Node n;
@@ -335,7 +360,8 @@ int Recorder::datePart(const void* addr, const char* part, double value) {
     return add(n);
 }
 
-void Recorder::bind(const void* addr, int node, const char* rule) {
+void Recorder::bind(const void* addr, int node, std::string_view rule) {
+    if (node == openSum_) openSum_ = -1;  // the figure holds it now
     std::string_view caption, source;
     if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
         source = cell->source;
@@ -346,7 +372,7 @@ void Recorder::bind(const void* addr, int node, const char* rule) {
     // A working figure taken over as it is is explained by what it holds; a
     // step of a formula takes the figure's name; a figure already named is
     // taken over by a new node.
-    if (!*rule && caption.empty() && source.empty()) {
+    if (rule.empty() && caption.empty() && source.empty()) {
     } else if (!n.leaf() && !n.named() && n.run == run_) {
         n.caption = caption;
         n.rule = rule;

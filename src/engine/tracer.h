@@ -5,9 +5,11 @@
 // calculation's own arithmetic. Without a sink every node is -1, nothing is
 // recorded, and what is left is the bare arithmetic and one test per step.
 
+#include <array>
 #include <span>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/amount.h"
@@ -48,9 +50,11 @@ public:
     int nodeOf(const void* addr, double value);
     int constant(const char* name, double value);
     int op(trace::Op op, double value, int a, int b = -1);
+    // a + b where a is a sum nothing else holds: b joins a's terms.
+    int extend(double value, int a, int b);
     int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
-    void bind(const void* addr, int node, const char* rule);
-    int name(int node, const char* rule);
+    void bind(const void* addr, int node, std::string_view rule);
+    int name(int node, std::string_view rule);
     int datePart(const void* addr, const char* part, double value);
     void decided(int node) { t_.filing = node; }
 
@@ -83,7 +87,15 @@ private:
     };
     std::vector<Range> reportRanges_;
     const char* out_ = nullptr;
-    std::unordered_map<const char*, int> constants_;
+    const void* catalogue_;
+    int openSum_ = -1;  // the sum made last, while only the figure in hand holds it
+    // The constants recorded so far, by the address of their name (open
+    // addressing; a name is a literal of the rule that uses it).
+    struct ConstantSlot {
+        const char* name = nullptr;
+        int node = -1;
+    };
+    std::array<ConstantSlot, 512> constants_{};
 };
 
 // The recorder of the calculation running on this thread, or null.
@@ -91,9 +103,16 @@ extern thread_local Recorder* tlRecorder;
 
 inline bool traced(int a, int b) { return (a | b) >= 0; }
 
-inline TA operator+(TA a, TA b) {
+inline TA operator+(const TA& a, TA b) {
     TA r{a.v + b.v};
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v.value(), a.n, b.n);
+    return r;
+}
+// A sum in the middle of a chain (a + b + c) is held by nothing but the
+// chain: the next term joins it instead of making a node of its own.
+inline TA operator+(TA&& a, TA b) {
+    TA r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->extend(r.v.value(), a.n, b.n);
     return r;
 }
 inline TA operator-(TA a, TA b) {
@@ -101,9 +120,14 @@ inline TA operator-(TA a, TA b) {
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Difference, r.v.value(), a.n, b.n);
     return r;
 }
-inline TD operator+(TD a, TD b) {
+inline TD operator+(const TD& a, TD b) {
     TD r{a.v + b.v};
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v, a.n, b.n);
+    return r;
+}
+inline TD operator+(TD&& a, TD b) {
+    TD r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->extend(r.v, a.n, b.n);
     return r;
 }
 inline TD operator-(TD a, TD b) {
@@ -123,8 +147,12 @@ inline TD operator/(TD a, TD b) {
 }
 // An amount in double arithmetic keeps its node.
 inline TD toD(TA a) { return {static_cast<double>(a.v.value()), a.n}; }
-inline TD operator+(TA a, TD b) { return toD(a) + b; }
-inline TD operator+(TD a, TA b) { return a + toD(b); }
+inline TD operator+(TA a, TD b) {
+    const TD d = toD(a);  // a figure of its own: its sum may be held elsewhere
+    return d + b;
+}
+inline TD operator+(const TD& a, TA b) { return a + toD(b); }
+inline TD operator+(TD&& a, TA b) { return std::move(a) + toD(b); }
 inline TD operator-(TA a, TD b) { return toD(a) - b; }
 inline TD operator-(TD a, TA b) { return a - toD(b); }
 inline TD operator*(TA a, TD b) { return toD(a) * b; }
@@ -191,11 +219,11 @@ public:
     TA zero() const { return k("0", Amount(0)); }
     TA floor0(TA v) const { return MaxLong(v, zero()); }  // below 0 it is 0
 
-    void set(Amount& dst, const char* name, TA x) const {
+    void set(Amount& dst, std::string_view name, TA x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
-    void set(double& dst, const char* name, TD x) const {
+    void set(double& dst, std::string_view name, TD x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
@@ -204,16 +232,16 @@ public:
         return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
     }
     // A figure of a rule that is kept nowhere, under its name.
-    TD name(const char* name, TD x) const {
+    TD name(std::string_view name, TD x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
-    TA name(const char* name, TA x) const {
+    TA name(std::string_view name, TA x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
     // The figure is moved elsewhere and becomes 0.
-    void moved(Amount& dst, const char* name) const {
+    void moved(Amount& dst, std::string_view name) const {
         const int from = rec ? rec->nodeOf(&dst, dst.value()) : -1;
         dst = 0;
         if (rec) rec->bind(&dst, rec->op(trace::Op::Zero, 0, from), name);
@@ -243,12 +271,12 @@ public:
     double percent(Amount rate) const { return Percent(rate.value()); }
     Amount zero() const { return 0; }
     Amount floor0(Amount v) const { return MaxLong(v, 0); }
-    void set(Amount& dst, const char*, Amount x) const { dst = x; }
-    void set(double& dst, const char*, double x) const { dst = x; }
+    void set(Amount& dst, std::string_view, Amount x) const { dst = x; }
+    void set(double& dst, std::string_view, double x) const { dst = x; }
     double datePart(const Date&, const char*, int value) const { return value; }
-    Amount name(const char*, Amount x) const { return x; }
-    double name(const char*, double x) const { return x; }
-    void moved(Amount& dst, const char*) const { dst = 0; }
+    Amount name(std::string_view, Amount x) const { return x; }
+    double name(std::string_view, double x) const { return x; }
+    void moved(Amount& dst, std::string_view) const { dst = 0; }
     void who(char) const {}
 };
 
