@@ -122,6 +122,7 @@ struct Catalogue {
     std::vector<Cell> cells;
     std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
     std::vector<const Cell*> cellAt;  // by a quarter of the byte offset in NishumOutput
+    std::vector<std::ptrdiff_t> cellOffset;  // by place in allSheetFields(): the byte offset in NishumOutput
     std::unordered_map<std::string, std::string> captions;
 
     Catalogue() {
@@ -149,8 +150,10 @@ struct Catalogue {
         }
         cellAt.assign(sizeof(NishumOutput) / 4 + 1, nullptr);
         const auto fields = allSheetFields();
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            cellAt[static_cast<std::size_t>(at(&out, fields[i].address(out))) / 4] = &cells[i];
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            cellOffset.push_back(at(&out, fields[i].address(out)));
+            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = &cells[i];
+        }
     }
 };
 
@@ -223,9 +226,10 @@ void Recorder::forget(const void* begin, const void* end) {
 }
 
 void Recorder::finish(NishumOutput& out) {
-    const auto fields = allSheetFields();
-    for (std::size_t i = 0; i < fields.size(); ++i)
-        if (const int* s = slot(fields[i].address(out))) t_.cellNodes[i] = *s;
+    const auto& offsets = static_cast<const Catalogue*>(catalogue_)->cellOffset;
+    const char* base = static_cast<const char*>(static_cast<const void*>(&out));
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        if (const int* s = slot(base + offsets[i])) t_.cellNodes[i] = *s;
 }
 
 const void* Recorder::lineAt(const void* addr) const {
@@ -243,28 +247,33 @@ const void* Recorder::cellAt(const void* addr) const {
     return static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
 }
 
-int Recorder::add(const Node& n) {
-    t_.nodes.push_back(n);
-    t_.nodes.back().run = run_;
-    return static_cast<int>(t_.nodes.size()) - 1;
+// A new node at the end, written in place.
+Node& Recorder::add(Op op, double value, int& index) {
+    index = static_cast<int>(t_.nodes.size());
+    Node& n = t_.nodes.emplace_back();
+    n.op = op;
+    n.value = value;
+    n.run = run_;
+    return n;
 }
 
 int Recorder::nodeOf(const void* addr, double value) {
     int* s = slot(addr);
     if (s && *s >= 0) return *s;
-    Node n;
-    n.value = value;
+    int i = -1;
     if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
-        n.op = Op::Line;
+        Node& n = add(Op::Line, value, i);
         n.caption = line->name;
         n.source = line->source;
         const Person who = line->field->person;
         n.spouse = who == Person::M ? 'M' : who == Person::F ? 'F' : 0;
-    } else if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
-        n.source = cell->source;
+    } else if (value == 0) {
+        // A working figure or cell the run has not written holds the 0 it started from.
+        i = constant("0", 0);
+    } else {
+        Node& n = add(Op::Untraced, value, i);
+        if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) n.source = cell->source;
     }
-    // A working figure or cell the run has not written holds the 0 it started from.
-    const int i = n.op == Op::Untraced && value == 0 ? constant("0", 0) : add(n);
     if (s) *s = i;
     return i;
 }
@@ -276,36 +285,31 @@ int Recorder::constant(const char* name, double value) {
     while (constants_[h].name && constants_[h].name != name) h = (h + 1) % constants_.size();
     ConstantSlot& c = constants_[h];
     if (c.name && t_.at(c.node).value == value) return c.node;
-    Node n;
-    n.op = Op::Constant;
-    n.value = value;
-    n.source = name;
     c.name = name;
-    c.node = add(n);
+    add(Op::Constant, value, c.node).source = name;
     return c.node;
 }
 
 int Recorder::op(Op o, double value, int a, int b) {
-    Node n;
-    n.op = o;
-    n.value = value;
-    n.spouse = spouse;
-    n.first = static_cast<int>(t_.kidPool.size());
+    int first = static_cast<int>(t_.kidPool.size());
     // A chain of sums reads as one sum: a + b + c, added left to right. The
     // left sum's children are taken over where they lie when they end the pool.
     const Node& left = t_.at(a);
     if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
         if (static_cast<std::size_t>(left.first + left.count) == t_.kidPool.size())
-            n.first = left.first;
+            first = left.first;
         else
-            for (int i = 0; i < left.count; ++i)
-                t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
+            for (int k = 0; k < left.count; ++k)
+                t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + k)]);
     } else {
         t_.kidPool.push_back(a);
     }
     if (b >= 0) t_.kidPool.push_back(b);
-    n.count = static_cast<int>(t_.kidPool.size()) - n.first;
-    const int i = add(n);
+    int i;
+    Node& n = add(o, value, i);
+    n.spouse = spouse;
+    n.first = first;
+    n.count = static_cast<int>(t_.kidPool.size()) - first;
     openSum_ = o == Op::Sum ? i : -1;
     return i;
 }
@@ -321,23 +325,22 @@ int Recorder::extend(double value, int a, int b) {
 }
 
 int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
-    Node n;
-    n.op = Op::Decision;
-    n.value = value;
+    openSum_ = -1;
+    int i;
+    Node& n = add(Op::Decision, value, i);
     n.caption = title;
     n.rule = rule;
     n.first = static_cast<int>(t_.kidPool.size());
     n.count = static_cast<int>(kids.size());
-    openSum_ = -1;
     t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
-    return add(n);
+    return i;
 }
 
 int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
     openSum_ = -1;
-    Node copy;
-    copy.op = Op::Copy;
-    copy.value = t_.at(node).value;
+    const double value = t_.at(node).value;
+    int i;
+    Node& copy = add(Op::Copy, value, i);
     copy.caption = caption;
     copy.rule = rule;
     copy.source = source;
@@ -345,19 +348,19 @@ int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, 
     copy.first = static_cast<int>(t_.kidPool.size());
     copy.count = 1;
     t_.kidPool.push_back(node);
-    return add(copy);
+    return i;
 }
 
 int Recorder::name(int node, std::string_view rule) { return copyOf(node, {}, rule, {}); }
 
 int Recorder::datePart(const void* addr, const char* part, double value) {
-    Node n;
-    n.op = Op::Line;
-    n.value = value;
+    const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr));
+    int i;
+    Node& n = add(Op::Line, value, i);
     n.caption = part;
-    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) n.source = line->source;
+    if (line) n.source = line->source;
     n.spouse = spouse;
-    return add(n);
+    return i;
 }
 
 void Recorder::bind(const void* addr, int node, std::string_view rule) {

@@ -61,7 +61,7 @@ public:
     char spouse = 0;
 
 private:
-    int add(const trace::Node& n);
+    trace::Node& add(trace::Op op, double value, int& index);
     int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
     int* slot(const void* addr);  // the node a figure of the calculation or report holds, or null
     const void* lineAt(const void* addr) const;  // the report line there, or null
