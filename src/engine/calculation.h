@@ -200,7 +200,10 @@ private:
 };
 
 // Interest and linkage of a balance to a date.
+Date MadadMonth(Date date);  // the month whose index is in force on a date
 double MadadOfDate(const MadadLookup& madad, Date date);
+template <bool On>
+void Ribit(const Tracer<On>& t, sheets::CMain& m, Date date, const ConstDoch& c, const MadadLookup& madad, Date today);
 
 // The seven bracket amounts of a person on the regular-tax sheet.
 std::array<Amount*, 7> BracketSums(sheets::CHishuv& h, bool isF);

@@ -290,6 +290,29 @@ int Recorder::constant(const char* name, double value) {
     return c.node;
 }
 
+int Recorder::today(double value) {
+    int i;
+    add(Op::Today, value, i).source = "today";
+    return i;
+}
+
+int Recorder::madad(Date month, double value) {
+    // The months' names, made once.
+    constexpr int kFirst = 1950, kLast = 2099;
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> v;
+        for (int y = kFirst; y <= kLast; ++y)
+            for (int m = 1; m <= 12; ++m) v.push_back("madad " + std::to_string(y) + (m < 10 ? "-0" : "-") + std::to_string(m));
+        return v;
+    }();
+    const int y = month.year();
+    int i;
+    Node& n = add(Op::Madad, value, i);
+    n.source = y >= kFirst && y <= kLast ? std::string_view(names[static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1)])
+                                         : std::string_view("madad");
+    return i;
+}
+
 int Recorder::op(Op o, double value, int a, int b) {
     int first = static_cast<int>(t_.kidPool.size());
     // A chain of sums reads as one sum: a + b + c, added left to right. The

@@ -49,6 +49,8 @@ public:
 
     int nodeOf(const void* addr, double value);
     int constant(const char* name, double value);
+    int today(double value);                      // the date taken for today, as its day number
+    int madad(Date month, double value);          // the price index of a month
     int op(trace::Op op, double value, int a, int b = -1);
     // a + b where a is a sum nothing else holds: b joins a's terms.
     int extend(double value, int a, int b);
@@ -227,6 +229,12 @@ public:
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
+    void set(Date& dst, std::string_view name, TD x) const {  // a date as its day number
+        dst = Date::fromSerial(static_cast<std::int32_t>(x.v));
+        if (x.n >= 0) rec->bind(&dst, x.n, name);
+    }
+    TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->today(d.serial()) : -1}; }
+    TD madad(Date month, double v) const { return {v, rec ? rec->madad(month, v) : -1}; }
     // A part of a date of the report (its year, its month) as a figure.
     TD datePart(const Date& d, const char* part, int value) const {
         return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
@@ -273,6 +281,9 @@ public:
     Amount floor0(Amount v) const { return MaxLong(v, 0); }
     void set(Amount& dst, std::string_view, Amount x) const { dst = x; }
     void set(double& dst, std::string_view, double x) const { dst = x; }
+    void set(Date& dst, std::string_view, double x) const { dst = Date::fromSerial(static_cast<std::int32_t>(x)); }
+    double today(Date d) const { return d.serial(); }
+    double madad(Date, double v) const { return v; }
     double datePart(const Date&, const char*, int value) const { return value; }
     Amount name(std::string_view, Amount x) const { return x; }
     double name(std::string_view, double x) const { return x; }
