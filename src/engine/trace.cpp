@@ -193,14 +193,6 @@ void Recorder::keep(const void* begin, const void* end) {
     keepEnd_ = static_cast<const char*>(end);
 }
 
-int* Recorder::slot(const void* addr) {
-    const auto p = static_cast<const char*>(addr);
-    if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
-    if (p >= report_ && p < report_ + reportSlots_.size() * 2)
-        return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
-    return nullptr;
-}
-
 void Recorder::clear(const char* begin, const char* end) {
     const auto index = [&](const char* p) {
         return std::clamp<std::ptrdiff_t>((p - calc_ + 3) / 4, 0, static_cast<std::ptrdiff_t>(calcSlots_.size()));
@@ -257,9 +249,7 @@ Node& Recorder::add(Op op, double value, int& index) {
     return n;
 }
 
-int Recorder::nodeOf(const void* addr, double value) {
-    int* s = slot(addr);
-    if (s && *s >= 0) return *s;
+int Recorder::firstRead(const void* addr, double value, int* s) {
     int i = -1;
     if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
         Node& n = add(Op::Line, value, i);

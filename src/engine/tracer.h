@@ -47,7 +47,11 @@ public:
     void forget(const void* begin, const void* end);  // the figures there were reset from the report
     void finish(NishumOutput& out);                   // the cells of the run that stands
 
-    int nodeOf(const void* addr, double value);
+    // The node of a figure read: the one it holds, or a new one.
+    int nodeOf(const void* addr, double value) {
+        int* s = slot(addr);
+        return s && *s >= 0 ? *s : firstRead(addr, value, s);
+    }
     int constant(const char* name, double value);
     int today(double value);                      // the date taken for today, as its day number
     int madad(Date month, double value);          // the price index of a month
@@ -65,7 +69,15 @@ public:
 private:
     trace::Node& add(trace::Op op, double value, int& index);
     int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
-    int* slot(const void* addr);  // the node a figure of the calculation or report holds, or null
+    // The node a figure of the calculation or report holds, or null.
+    int* slot(const void* addr) {
+        const auto p = static_cast<const char*>(addr);
+        if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
+        if (p >= report_ && p < report_ + reportSlots_.size() * 2)
+            return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
+        return nullptr;
+    }
+    int firstRead(const void* addr, double value, int* slot);
     const void* lineAt(const void* addr) const;  // the report line there, or null
     const void* cellAt(const void* addr) const;  // the sheet cell there, or null
     void clear(const char* begin, const char* end);
