@@ -274,8 +274,9 @@ int Recorder::constant(const char* name, double value) {
     std::size_t h = (reinterpret_cast<std::uintptr_t>(name) >> 3) % constants_.size();
     while (constants_[h].name && constants_[h].name != name) h = (h + 1) % constants_.size();
     ConstantSlot& c = constants_[h];
-    if (c.name && t_.at(c.node).value == value) return c.node;
+    if (c.name && c.value == value) return c.node;
     c.name = name;
+    c.value = value;
     add(Op::Constant, value, c.node).source = name;
     return c.node;
 }

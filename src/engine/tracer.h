@@ -108,6 +108,7 @@ private:
     struct ConstantSlot {
         const char* name = nullptr;
         int node = -1;
+        double value = 0;  // the node's value, kept here to spare a look into the nodes
     };
     std::array<ConstantSlot, 512> constants_{};
 };
