@@ -171,6 +171,15 @@ private:
     void SplitBL();
     void BandAzmai();
     void BandHeino();
+    struct BLBands {  // one class of income and its bands, with the constants of the class
+        double &income, &total, &reduced, &ordinary;
+        const char *totalName, *reducedName, *ordinaryName;
+        struct Constant {
+            const char* name;
+            double value;
+        } threshold, add, divide, divideReduced, minimum;
+    };
+    void Bands(TD U, const BLBands& b);
 
     int ageInYear(Date birth) const;  // YEARDOCH less the year of birth; -1 for no date
 

@@ -112,46 +112,47 @@ void Calculation<On>::SplitBL() {
     }
 }
 
-// The self-employed income in its bands: a reduced band up to a part of the
-// average wage, the ordinary band above it, under the room the salary left.
+// A class of income in its bands: a reduced band up to a part of the average
+// wage, the ordinary band above it, under the room `U` left under the ceiling.
 template <bool On>
-void Calculation<On>::BandAzmai() {
-    const TD U = t.name("יתרה עד התקרה", toD(MaxLong(R(K(BLMAXIMUM) - t(st.BLSachir)), t.zero())));
-    const char* total = "הכנסה כעצמאי החייבת בדמי ביטוח";
-    if (val(U) > c.BLHACHNASAMUFHAT() && st.BLAzmai > c.BLGILUMAZMAI()) {
-        t.set(st.BLAzmaiTTL, total, (t(st.BLAzmai) + K(BLMEKADEMHIBURAZMAIRAGIL)) / K(BLMEKADEMGILUMAZMAIRAGIL));
-        if (st.BLAzmaiTTL > val(U)) t.set(st.BLAzmaiTTL, total, U);
-        t.set(st.BLAzmaiMufhat, "הכנסה כעצמאי בשיעור מופחת", K(BLHACHNASAMUFHAT));
-        t.set(st.BLAzmaiRagil, "הכנסה כעצמאי בשיעור רגיל", t(st.BLAzmaiTTL) - K(BLHACHNASAMUFHAT));
+void Calculation<On>::Bands(TD U, const BLBands& b) {
+    const auto k = [&](const BLBands::Constant& x) { return t.k(x.name, x.value); };
+    if (val(U) > c.BLHACHNASAMUFHAT() && b.income > b.threshold.value) {
+        t.set(b.total, b.totalName, (t(b.income) + k(b.add)) / k(b.divide));
+        if (b.total > val(U)) t.set(b.total, b.totalName, U);
+        t.set(b.reduced, b.reducedName, K(BLHACHNASAMUFHAT));
+        t.set(b.ordinary, b.ordinaryName, t(b.total) - K(BLHACHNASAMUFHAT));
     } else {
-        t.set(st.BLAzmaiTTL, total, t(st.BLAzmai) / K(BLMEKADEMGILUMAZMAIMUFHAT));
-        if (st.BLAzmaiTTL < c.BLMINIMUM()) t.set(st.BLAzmaiTTL, total, K(BLMINIMUM));
-        if (st.BLAzmaiTTL > val(U)) t.set(st.BLAzmaiTTL, total, U);
-        t.set(st.BLAzmaiMufhat, "הכנסה כעצמאי בשיעור מופחת", t(st.BLAzmaiTTL));
-        t.set(st.BLAzmaiRagil, "הכנסה כעצמאי בשיעור רגיל", t.k("0", 0.0));
+        t.set(b.total, b.totalName, t(b.income) / k(b.divideReduced));
+        if (b.total < b.minimum.value) t.set(b.total, b.totalName, k(b.minimum));
+        if (b.total > val(U)) t.set(b.total, b.totalName, U);
+        t.set(b.reduced, b.reducedName, t(b.total));
+        t.set(b.ordinary, b.ordinaryName, t.k("0", 0.0));
     }
 }
 
-// Other income in its bands, under the room the salary and the self-employed
-// income left.
+#define BLK(name) {#name, c.name()}
+
+template <bool On>
+void Calculation<On>::BandAzmai() {
+    const TD U = t.name("יתרה עד התקרה", toD(MaxLong(R(K(BLMAXIMUM) - t(st.BLSachir)), t.zero())));
+    Bands(U, {st.BLAzmai, st.BLAzmaiTTL, st.BLAzmaiMufhat, st.BLAzmaiRagil, "הכנסה כעצמאי החייבת בדמי ביטוח",
+              "הכנסה כעצמאי בשיעור מופחת", "הכנסה כעצמאי בשיעור רגיל", BLK(BLGILUMAZMAI),
+              BLK(BLMEKADEMHIBURAZMAIRAGIL), BLK(BLMEKADEMGILUMAZMAIRAGIL), BLK(BLMEKADEMGILUMAZMAIMUFHAT),
+              BLK(BLMINIMUM)});
+}
+
 template <bool On>
 void Calculation<On>::BandHeino() {
     const TD U = t.name("יתרה עד התקרה",
                         toD(MaxLong(R(K(BLMAXIMUM) - t(st.BLSachir) - t(st.BLAzmaiTTL)), t.zero())));
-    const char* total = "הכנסה שאינה מעבודה החייבת בדמי ביטוח";
-    if (val(U) > c.BLHACHNASAMUFHAT() && st.BLHeino > c.BLGILUMHEINOOVED()) {
-        t.set(st.BLHeinoTTL, total, (t(st.BLHeino) + K(BLMEKADEMHIBURHEINORAGIL)) / K(BLMEKADEMGILUMHEINORAGIL));
-        if (st.BLHeinoTTL > val(U)) t.set(st.BLHeinoTTL, total, U);
-        t.set(st.BLHeinoMufhat, "הכנסה שאינה מעבודה בשיעור מופחת", K(BLHACHNASAMUFHAT));
-        t.set(st.BLHeinoRagil, "הכנסה שאינה מעבודה בשיעור רגיל", t(st.BLHeinoTTL) - K(BLHACHNASAMUFHAT));
-    } else {
-        t.set(st.BLHeinoTTL, total, t(st.BLHeino) / K(BLMEKADEMGILUMHEINOMUFHAT));
-        if (st.BLHeinoTTL < c.BLMINIMUMHEINOOVED()) t.set(st.BLHeinoTTL, total, K(BLMINIMUMHEINOOVED));
-        if (st.BLHeinoTTL > val(U)) t.set(st.BLHeinoTTL, total, U);
-        t.set(st.BLHeinoMufhat, "הכנסה שאינה מעבודה בשיעור מופחת", t(st.BLHeinoTTL));
-        t.set(st.BLHeinoRagil, "הכנסה שאינה מעבודה בשיעור רגיל", t.k("0", 0.0));
-    }
+    Bands(U, {st.BLHeino, st.BLHeinoTTL, st.BLHeinoMufhat, st.BLHeinoRagil, "הכנסה שאינה מעבודה החייבת בדמי ביטוח",
+              "הכנסה שאינה מעבודה בשיעור מופחת", "הכנסה שאינה מעבודה בשיעור רגיל", BLK(BLGILUMHEINOOVED),
+              BLK(BLMEKADEMHIBURHEINORAGIL), BLK(BLMEKADEMGILUMHEINORAGIL), BLK(BLMEKADEMGILUMHEINOMUFHAT),
+              BLK(BLMINIMUMHEINOOVED)});
 }
+
+#undef BLK
 
 template class Calculation<false>;
 template class Calculation<true>;
