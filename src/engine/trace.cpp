@@ -121,7 +121,12 @@ struct Catalogue {
     std::vector<Line> lines;
     std::vector<Cell> cells;
     std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
-    std::vector<const Cell*> cellAt;  // by a quarter of the byte offset in NishumOutput
+    // The texts of the cell by a quarter of the byte offset in NishumOutput, at
+    // hand where the recorder looks (no source: no cell there).
+    struct CellText {
+        std::string_view source, caption;
+    };
+    std::vector<CellText> cellAt;
     std::vector<std::ptrdiff_t> cellOffset;  // by place in allSheetFields(): the byte offset in NishumOutput
     std::unordered_map<std::string, std::string> captions;
 
@@ -148,11 +153,11 @@ struct Catalogue {
             if (const auto cap = captions.find(c.source); cap != captions.end()) c.caption = cap->second;
             cells.push_back(std::move(c));
         }
-        cellAt.assign(sizeof(NishumOutput) / 4 + 1, nullptr);
+        cellAt.assign(sizeof(NishumOutput) / 4 + 1, CellText{});
         const auto fields = allSheetFields();
         for (std::size_t i = 0; i < fields.size(); ++i) {
             cellOffset.push_back(at(&out, fields[i].address(out)));
-            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = &cells[i];
+            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {cells[i].source, cells[i].caption};
         }
     }
 };
@@ -236,7 +241,8 @@ const void* Recorder::lineAt(const void* addr) const {
 const void* Recorder::cellAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
-    return static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
+    const auto& cell = static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
+    return cell.source.empty() ? nullptr : &cell;
 }
 
 // A new node at the end, written in place.
@@ -262,7 +268,7 @@ int Recorder::firstRead(const void* addr, double value, int* s) {
         i = constant("0", 0);
     } else {
         Node& n = add(Op::Untraced, value, i);
-        if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) n.source = cell->source;
+        if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) n.source = cell->source;
     }
     if (s) *s = i;
     return i;
@@ -380,7 +386,7 @@ int Recorder::datePart(const void* addr, const char* part, double value) {
 void Recorder::bind(const void* addr, int node, std::string_view rule) {
     if (node == openSum_) openSum_ = -1;  // the figure holds it now
     std::string_view caption, source;
-    if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+    if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) {
         source = cell->source;
         caption = cell->caption;
     }
