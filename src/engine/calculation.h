@@ -171,6 +171,15 @@ private:
     void SplitBL();
     void BandAzmai();
     void BandHeino();
+    struct BLBands {  // one class of income and its bands, with the constants of the class
+        double &income, &total, &reduced, &ordinary;
+        const char *totalName, *reducedName, *ordinaryName;
+        struct Constant {
+            const char* name;
+            double value;
+        } threshold, add, divide, divideReduced, minimum;
+    };
+    void Bands(TD U, const BLBands& b);
 
     int ageInYear(Date birth) const;  // YEARDOCH less the year of birth; -1 for no date
 
@@ -200,7 +209,10 @@ private:
 };
 
 // Interest and linkage of a balance to a date.
+Date MadadMonth(Date date);  // the month whose index is in force on a date
 double MadadOfDate(const MadadLookup& madad, Date date);
+template <bool On>
+void Ribit(const Tracer<On>& t, sheets::CMain& m, Date date, const ConstDoch& c, const MadadLookup& madad, Date today);
 
 // The seven bracket amounts of a person on the regular-tax sheet.
 std::array<Amount*, 7> BracketSums(sheets::CHishuv& h, bool isF);

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "engine/calculation.h"
 #include "report/entry_layout.h"
@@ -81,11 +83,24 @@ void Calculation<On>::RestoreRechush() {
 // The sum of a derived total's parts in the run's copy of the earned lines.
 template <bool On>
 auto Calculation<On>::yegiaTotal(const char* total) const -> TA {
-    for (const DerivedTotal& d : derivedTotals()) {
-        if (d.section != SectionId::Yegia || std::string_view(d.total) != total) continue;
+    // Where each total's parts lie within the earned lines, found once.
+    static const auto parts = [] {
+        std::vector<std::pair<std::string_view, std::vector<std::ptrdiff_t>>> found;
+        sections::Yegia y;
+        for (const DerivedTotal& d : derivedTotals()) {
+            if (d.section != SectionId::Yegia) continue;
+            auto& offsets = found.emplace_back(d.total, std::vector<std::ptrdiff_t>{}).second;
+            for (const char* part : d.parts)
+                offsets.push_back(static_cast<const char*>(findField("Yegia", part)->inSection(&y)) -
+                                  reinterpret_cast<const char*>(&y));
+        }
+        return found;
+    }();
+    for (const auto& [name, offsets] : parts) {
+        if (name != total) continue;
         TA sum = t.zero();
-        for (const char* part : d.parts)
-            sum = sum + t(*static_cast<const Amount*>(findField("Yegia", part)->inSection(const_cast<sections::Yegia*>(&Yegia))));
+        for (const std::ptrdiff_t at : offsets)
+            sum = sum + t(*reinterpret_cast<const Amount*>(reinterpret_cast<const char*>(&Yegia) + at));
         return sum;
     }
     throw std::logic_error("no total " + std::string(total));

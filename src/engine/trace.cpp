@@ -1,6 +1,8 @@
 #include "engine/trace.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <unordered_map>
 
 #include "core/amount.h"
 #include "engine/tracer.h"
@@ -119,7 +121,13 @@ struct Catalogue {
     std::vector<Line> lines;
     std::vector<Cell> cells;
     std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
-    std::vector<const Cell*> cellAt;  // by a quarter of the byte offset in NishumOutput
+    // The texts of the cell by a quarter of the byte offset in NishumOutput, at
+    // hand where the recorder looks (no source: no cell there).
+    struct CellText {
+        std::string_view source, caption;
+    };
+    std::vector<CellText> cellAt;
+    std::vector<std::ptrdiff_t> cellOffset;  // by place in allSheetFields(): the byte offset in NishumOutput
     std::unordered_map<std::string, std::string> captions;
 
     Catalogue() {
@@ -145,10 +153,12 @@ struct Catalogue {
             if (const auto cap = captions.find(c.source); cap != captions.end()) c.caption = cap->second;
             cells.push_back(std::move(c));
         }
-        cellAt.assign(sizeof(NishumOutput) / 4 + 1, nullptr);
+        cellAt.assign(sizeof(NishumOutput) / 4 + 1, CellText{});
         const auto fields = allSheetFields();
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            cellAt[static_cast<std::size_t>(at(&out, fields[i].address(out))) / 4] = &cells[i];
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            cellOffset.push_back(at(&out, fields[i].address(out)));
+            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {cells[i].source, cells[i].caption};
+        }
     }
 };
 
@@ -159,8 +169,8 @@ const Catalogue& catalogue() {
 
 }  // namespace
 
-Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size) : t_(t), calc_(static_cast<const char*>(calc)) {
-    catalogue();
+Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size)
+    : t_(t), calc_(static_cast<const char*>(calc)), catalogue_(&catalogue()) {
     t_.clear();
     // One slot for every 4 bytes of the calculation, then one for every 2 of the report.
     const std::size_t calcSlots = size / 4 + 1, reportSlots = sizeof(NishumInput) / 2 + 1;
@@ -188,14 +198,6 @@ void Recorder::keep(const void* begin, const void* end) {
     keepEnd_ = static_cast<const char*>(end);
 }
 
-int* Recorder::slot(const void* addr) {
-    const auto p = static_cast<const char*>(addr);
-    if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
-    if (p >= report_ && p < report_ + reportSlots_.size() * 2)
-        return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
-    return nullptr;
-}
-
 void Recorder::clear(const char* begin, const char* end) {
     const auto index = [&](const char* p) {
         return std::clamp<std::ptrdiff_t>((p - calc_ + 3) / 4, 0, static_cast<std::ptrdiff_t>(calcSlots_.size()));
@@ -221,16 +223,17 @@ void Recorder::forget(const void* begin, const void* end) {
 }
 
 void Recorder::finish(NishumOutput& out) {
-    const auto fields = allSheetFields();
-    for (std::size_t i = 0; i < fields.size(); ++i)
-        if (const int* s = slot(fields[i].address(out))) t_.cellNodes[i] = *s;
+    const auto& offsets = static_cast<const Catalogue*>(catalogue_)->cellOffset;
+    const char* base = static_cast<const char*>(static_cast<const void*>(&out));
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        if (const int* s = slot(base + offsets[i])) t_.cellNodes[i] = *s;
 }
 
 const void* Recorder::lineAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     for (const Range& r : reportRanges_)
         if (p >= r.begin && p < r.begin + r.size) {
-            return catalogue().lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
+            return static_cast<const Catalogue*>(catalogue_)->lineAt[static_cast<std::size_t>(p - r.begin + r.offset) / 2];
         }
     return nullptr;
 }
@@ -238,81 +241,126 @@ const void* Recorder::lineAt(const void* addr) const {
 const void* Recorder::cellAt(const void* addr) const {
     const auto p = static_cast<const char*>(addr);
     if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
-    return catalogue().cellAt[static_cast<std::size_t>(p - out_) / 4];
+    const auto& cell = static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
+    return cell.source.empty() ? nullptr : &cell;
 }
 
-int Recorder::add(const Node& n) {
-    t_.nodes.push_back(n);
-    t_.nodes.back().run = run_;
-    return static_cast<int>(t_.nodes.size()) - 1;
-}
-
-int Recorder::nodeOf(const void* addr, double value) {
-    int* s = slot(addr);
-    if (s && *s >= 0) return *s;
-    Node n;
+// A new node at the end, written in place.
+Node& Recorder::add(Op op, double value, int& index) {
+    index = static_cast<int>(t_.nodes.size());
+    Node& n = t_.nodes.emplace_back();
+    n.op = op;
     n.value = value;
+    n.run = run_;
+    return n;
+}
+
+int Recorder::firstRead(const void* addr, double value, int* s) {
+    int i = -1;
     if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
-        n.op = Op::Line;
+        Node& n = add(Op::Line, value, i);
         n.caption = line->name;
         n.source = line->source;
         const Person who = line->field->person;
         n.spouse = who == Person::M ? 'M' : who == Person::F ? 'F' : 0;
-    } else if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
-        n.source = cell->source;
+    } else if (value == 0) {
+        // A working figure or cell the run has not written holds the 0 it started from.
+        i = constant("0", 0);
+    } else {
+        Node& n = add(Op::Untraced, value, i);
+        if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) n.source = cell->source;
     }
-    // A working figure or cell the run has not written holds the 0 it started from.
-    const int i = n.op == Op::Untraced && value == 0 ? constant("0", 0) : add(n);
     if (s) *s = i;
     return i;
 }
 
 int Recorder::constant(const char* name, double value) {
-    if (const auto it = constants_.find(name); it != constants_.end() && t_.at(it->second).value == value)
-        return it->second;
-    Node n;
-    n.op = Op::Constant;
-    n.value = value;
-    n.source = name;
-    const int i = add(n);
-    constants_[name] = i;
+    // The same name may stand in two places of the program with two addresses:
+    // each is a slot of its own, and both nodes read the same.
+    std::size_t h = (reinterpret_cast<std::uintptr_t>(name) >> 3) % constants_.size();
+    while (constants_[h].name && constants_[h].name != name) h = (h + 1) % constants_.size();
+    ConstantSlot& c = constants_[h];
+    if (c.name && c.value == value) return c.node;
+    c.name = name;
+    c.value = value;
+    add(Op::Constant, value, c.node).source = name;
+    return c.node;
+}
+
+int Recorder::today(double value) {
+    int i;
+    add(Op::Today, value, i).source = "today";
+    return i;
+}
+
+int Recorder::madad(Date month, double value) {
+    // The months' names, made once.
+    constexpr int kFirst = 1950, kLast = 2099;
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> v;
+        for (int y = kFirst; y <= kLast; ++y)
+            for (int m = 1; m <= 12; ++m) v.push_back("madad " + std::to_string(y) + (m < 10 ? "-0" : "-") + std::to_string(m));
+        return v;
+    }();
+    const int y = month.year();
+    int i;
+    Node& n = add(Op::Madad, value, i);
+    n.source = y >= kFirst && y <= kLast ? std::string_view(names[static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1)])
+                                         : std::string_view("madad");
     return i;
 }
 
 int Recorder::op(Op o, double value, int a, int b) {
-    Node n;
-    n.op = o;
-    n.value = value;
-    n.spouse = spouse;
-    n.first = static_cast<int>(t_.kidPool.size());
-    // A chain of sums reads as one sum: a + b + c, added left to right.
+    int first = static_cast<int>(t_.kidPool.size());
+    // A chain of sums reads as one sum: a + b + c, added left to right. The
+    // left sum's children are taken over where they lie when they end the pool.
     const Node& left = t_.at(a);
     if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
-        for (int i = 0; i < left.count; ++i) t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + i)]);
+        if (static_cast<std::size_t>(left.first + left.count) == t_.kidPool.size())
+            first = left.first;
+        else
+            for (int k = 0; k < left.count; ++k)
+                t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + k)]);
     } else {
         t_.kidPool.push_back(a);
     }
     if (b >= 0) t_.kidPool.push_back(b);
-    n.count = static_cast<int>(t_.kidPool.size()) - n.first;
-    return add(n);
+    int i;
+    Node& n = add(o, value, i);
+    n.spouse = spouse;
+    n.first = first;
+    n.count = static_cast<int>(t_.kidPool.size()) - first;
+    openSum_ = o == Op::Sum ? i : -1;
+    return i;
+}
+
+int Recorder::extend(double value, int a, int b) {
+    Node& n = t_.nodes[static_cast<std::size_t>(a)];
+    if (a != openSum_ || static_cast<std::size_t>(n.first + n.count) != t_.kidPool.size())
+        return op(Op::Sum, value, a, b);
+    t_.kidPool.push_back(b);
+    ++n.count;
+    n.value = value;
+    return a;
 }
 
 int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
-    Node n;
-    n.op = Op::Decision;
-    n.value = value;
+    openSum_ = -1;
+    int i;
+    Node& n = add(Op::Decision, value, i);
     n.caption = title;
     n.rule = rule;
     n.first = static_cast<int>(t_.kidPool.size());
     n.count = static_cast<int>(kids.size());
     t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
-    return add(n);
+    return i;
 }
 
 int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
-    Node copy;
-    copy.op = Op::Copy;
-    copy.value = t_.at(node).value;
+    openSum_ = -1;
+    const double value = t_.at(node).value;
+    int i;
+    Node& copy = add(Op::Copy, value, i);
     copy.caption = caption;
     copy.rule = rule;
     copy.source = source;
@@ -320,24 +368,25 @@ int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, 
     copy.first = static_cast<int>(t_.kidPool.size());
     copy.count = 1;
     t_.kidPool.push_back(node);
-    return add(copy);
+    return i;
 }
 
-int Recorder::name(int node, const char* rule) { return copyOf(node, {}, rule, {}); }
+int Recorder::name(int node, std::string_view rule) { return copyOf(node, {}, rule, {}); }
 
 int Recorder::datePart(const void* addr, const char* part, double value) {
-    Node n;
-    n.op = Op::Line;
-    n.value = value;
+    const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr));
+    int i;
+    Node& n = add(Op::Line, value, i);
     n.caption = part;
-    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) n.source = line->source;
+    if (line) n.source = line->source;
     n.spouse = spouse;
-    return add(n);
+    return i;
 }
 
-void Recorder::bind(const void* addr, int node, const char* rule) {
+void Recorder::bind(const void* addr, int node, std::string_view rule) {
+    if (node == openSum_) openSum_ = -1;  // the figure holds it now
     std::string_view caption, source;
-    if (const auto* cell = static_cast<const Catalogue::Cell*>(cellAt(addr))) {
+    if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) {
         source = cell->source;
         caption = cell->caption;
     }
@@ -346,7 +395,7 @@ void Recorder::bind(const void* addr, int node, const char* rule) {
     // A working figure taken over as it is is explained by what it holds; a
     // step of a formula takes the figure's name; a figure already named is
     // taken over by a new node.
-    if (!*rule && caption.empty() && source.empty()) {
+    if (rule.empty() && caption.empty() && source.empty()) {
     } else if (!n.leaf() && !n.named() && n.run == run_) {
         n.caption = caption;
         n.rule = rule;

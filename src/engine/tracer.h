@@ -5,9 +5,11 @@
 // calculation's own arithmetic. Without a sink every node is -1, nothing is
 // recorded, and what is left is the bare arithmetic and one test per step.
 
+#include <array>
 #include <span>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/amount.h"
@@ -45,21 +47,37 @@ public:
     void forget(const void* begin, const void* end);  // the figures there were reset from the report
     void finish(NishumOutput& out);                   // the cells of the run that stands
 
-    int nodeOf(const void* addr, double value);
+    // The node of a figure read: the one it holds, or a new one.
+    int nodeOf(const void* addr, double value) {
+        int* s = slot(addr);
+        return s && *s >= 0 ? *s : firstRead(addr, value, s);
+    }
     int constant(const char* name, double value);
+    int today(double value);                      // the date taken for today, as its day number
+    int madad(Date month, double value);          // the price index of a month
     int op(trace::Op op, double value, int a, int b = -1);
+    // a + b where a is a sum nothing else holds: b joins a's terms.
+    int extend(double value, int a, int b);
     int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
-    void bind(const void* addr, int node, const char* rule);
-    int name(int node, const char* rule);
+    void bind(const void* addr, int node, std::string_view rule);
+    int name(int node, std::string_view rule);
     int datePart(const void* addr, const char* part, double value);
     void decided(int node) { t_.filing = node; }
 
     char spouse = 0;
 
 private:
-    int add(const trace::Node& n);
+    trace::Node& add(trace::Op op, double value, int& index);
     int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
-    int* slot(const void* addr);  // the node a figure of the calculation or report holds, or null
+    // The node a figure of the calculation or report holds, or null.
+    int* slot(const void* addr) {
+        const auto p = static_cast<const char*>(addr);
+        if (p >= calc_ && p < calc_ + calcSlots_.size() * 4) return &calcSlots_[static_cast<std::size_t>(p - calc_) / 4];
+        if (p >= report_ && p < report_ + reportSlots_.size() * 2)
+            return &reportSlots_[static_cast<std::size_t>(p - report_) / 2];
+        return nullptr;
+    }
+    int firstRead(const void* addr, double value, int* slot);
     const void* lineAt(const void* addr) const;  // the report line there, or null
     const void* cellAt(const void* addr) const;  // the sheet cell there, or null
     void clear(const char* begin, const char* end);
@@ -83,7 +101,16 @@ private:
     };
     std::vector<Range> reportRanges_;
     const char* out_ = nullptr;
-    std::unordered_map<const char*, int> constants_;
+    const void* catalogue_;
+    int openSum_ = -1;  // the sum made last, while only the figure in hand holds it
+    // The constants recorded so far, by the address of their name (open
+    // addressing; a name is a literal of the rule that uses it).
+    struct ConstantSlot {
+        const char* name = nullptr;
+        int node = -1;
+        double value = 0;  // the node's value, kept here to spare a look into the nodes
+    };
+    std::array<ConstantSlot, 512> constants_{};
 };
 
 // The recorder of the calculation running on this thread, or null.
@@ -91,9 +118,16 @@ extern thread_local Recorder* tlRecorder;
 
 inline bool traced(int a, int b) { return (a | b) >= 0; }
 
-inline TA operator+(TA a, TA b) {
+inline TA operator+(const TA& a, TA b) {
     TA r{a.v + b.v};
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v.value(), a.n, b.n);
+    return r;
+}
+// A sum in the middle of a chain (a + b + c) is held by nothing but the
+// chain: the next term joins it instead of making a node of its own.
+inline TA operator+(TA&& a, TA b) {
+    TA r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->extend(r.v.value(), a.n, b.n);
     return r;
 }
 inline TA operator-(TA a, TA b) {
@@ -101,9 +135,14 @@ inline TA operator-(TA a, TA b) {
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Difference, r.v.value(), a.n, b.n);
     return r;
 }
-inline TD operator+(TD a, TD b) {
+inline TD operator+(const TD& a, TD b) {
     TD r{a.v + b.v};
     if (traced(a.n, b.n)) r.n = tlRecorder->op(trace::Op::Sum, r.v, a.n, b.n);
+    return r;
+}
+inline TD operator+(TD&& a, TD b) {
+    TD r{a.v + b.v};
+    if (traced(a.n, b.n)) r.n = tlRecorder->extend(r.v, a.n, b.n);
     return r;
 }
 inline TD operator-(TD a, TD b) {
@@ -123,8 +162,12 @@ inline TD operator/(TD a, TD b) {
 }
 // An amount in double arithmetic keeps its node.
 inline TD toD(TA a) { return {static_cast<double>(a.v.value()), a.n}; }
-inline TD operator+(TA a, TD b) { return toD(a) + b; }
-inline TD operator+(TD a, TA b) { return a + toD(b); }
+inline TD operator+(TA a, TD b) {
+    const TD d = toD(a);  // a figure of its own: its sum may be held elsewhere
+    return d + b;
+}
+inline TD operator+(const TD& a, TA b) { return a + toD(b); }
+inline TD operator+(TD&& a, TA b) { return std::move(a) + toD(b); }
 inline TD operator-(TA a, TD b) { return toD(a) - b; }
 inline TD operator-(TD a, TA b) { return a - toD(b); }
 inline TD operator*(TA a, TD b) { return toD(a) * b; }
@@ -191,29 +234,35 @@ public:
     TA zero() const { return k("0", Amount(0)); }
     TA floor0(TA v) const { return MaxLong(v, zero()); }  // below 0 it is 0
 
-    void set(Amount& dst, const char* name, TA x) const {
+    void set(Amount& dst, std::string_view name, TA x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
-    void set(double& dst, const char* name, TD x) const {
+    void set(double& dst, std::string_view name, TD x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
+    void set(Date& dst, std::string_view name, TD x) const {  // a date as its day number
+        dst = Date::fromSerial(static_cast<std::int32_t>(x.v));
+        if (x.n >= 0) rec->bind(&dst, x.n, name);
+    }
+    TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->today(d.serial()) : -1}; }
+    TD madad(Date month, double v) const { return {v, rec ? rec->madad(month, v) : -1}; }
     // A part of a date of the report (its year, its month) as a figure.
     TD datePart(const Date& d, const char* part, int value) const {
         return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
     }
     // A figure of a rule that is kept nowhere, under its name.
-    TD name(const char* name, TD x) const {
+    TD name(std::string_view name, TD x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
-    TA name(const char* name, TA x) const {
+    TA name(std::string_view name, TA x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
     // The figure is moved elsewhere and becomes 0.
-    void moved(Amount& dst, const char* name) const {
+    void moved(Amount& dst, std::string_view name) const {
         const int from = rec ? rec->nodeOf(&dst, dst.value()) : -1;
         dst = 0;
         if (rec) rec->bind(&dst, rec->op(trace::Op::Zero, 0, from), name);
@@ -243,12 +292,15 @@ public:
     double percent(Amount rate) const { return Percent(rate.value()); }
     Amount zero() const { return 0; }
     Amount floor0(Amount v) const { return MaxLong(v, 0); }
-    void set(Amount& dst, const char*, Amount x) const { dst = x; }
-    void set(double& dst, const char*, double x) const { dst = x; }
+    void set(Amount& dst, std::string_view, Amount x) const { dst = x; }
+    void set(double& dst, std::string_view, double x) const { dst = x; }
+    void set(Date& dst, std::string_view, double x) const { dst = Date::fromSerial(static_cast<std::int32_t>(x)); }
+    double today(Date d) const { return d.serial(); }
+    double madad(Date, double v) const { return v; }
     double datePart(const Date&, const char*, int value) const { return value; }
-    Amount name(const char*, Amount x) const { return x; }
-    double name(const char*, double x) const { return x; }
-    void moved(Amount& dst, const char*) const { dst = 0; }
+    Amount name(std::string_view, Amount x) const { return x; }
+    double name(std::string_view, double x) const { return x; }
+    void moved(Amount& dst, std::string_view) const { dst = 0; }
     void who(char) const {}
 };
 

@@ -16,15 +16,6 @@ namespace {
 
 using trace::Op;
 
-// Cells whose explanation does not reach down to the report yet: the national
-// insurance estimate and the interest of the balance (worked out again for any
-// date).
-bool explainedLater(const SheetFieldDef& f) {
-    const std::string name = f.name;
-    return f.sheet == SheetId::CBL || f.type == SheetFieldType::Date ||
-           (f.sheet == SheetId::CMain && (name == "Ribit" || name == "Itra" || name == "PtorRibit"));
-}
-
 // The nodes under a node (itself included), each once.
 std::set<int> below(const trace::Trace& t, int i) {
     std::set<int> seen;
@@ -48,21 +39,30 @@ void untraced(const trace::Trace& t, int i, std::set<std::string>& out) {
 
 TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
     ReportGenerator gen(20160101);
-    const FixedMadad flat;
+    // An index that moves, and days of the next year before, in and after the
+    // months of the interest exemption, and one before the interest starts.
+    FixedMadad madad;
+    madad.set(2015, 10, 100.3);
+    madad.set(2015, 11, 99.9);
+    madad.set(2016, 1, 99.6);
+    madad.set(2016, 4, 100.7);
+    const Date days[] = {ymd(2016, 6, 30), ymd(2016, 1, 20), ymd(2016, 2, 14), ymd(2016, 3, 15), ymd(2015, 12, 20)};
     const ConstDoch c;
     int modes[5] = {};
     std::set<std::string> missing;
     long explained = 0;
+    std::set<Op> leafKinds;
+    int exempt = 0, insured = 0;
     for (int i = 0; i < 2000; ++i) {
         const NishumInput n = gen.next();
         CalcResult plain;
         try {
-            plain = CalcDoch(n, c, flat, ymd(2016, 6, 30));
+            plain = CalcDoch(n, c, madad, days[i % 5]);
         } catch (const OverflowError&) {
             continue;
         }
         trace::Trace t;
-        const CalcResult r = CalcDoch(n, c, flat, ymd(2016, 6, 30), &t);
+        const CalcResult r = CalcDoch(n, c, madad, days[i % 5], &t);
         SCOPED_TRACE("report " + n.Pratim.IDM + ", mode " + std::to_string(r.FilingMode));
         ++modes[r.FilingMode];
         ASSERT_EQ(r.FilingMode, plain.FilingMode);
@@ -78,6 +78,7 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
             ASSERT_EQ(again[k], n.value) << "node " << k << " " << t.name(static_cast<int>(k)) << " " << n.source;
             if (n.count == 0) {
                 ASSERT_TRUE(n.leaf() && !n.source.empty()) << "node " << k;
+                leafKinds.insert(n.op);
             }
             if (n.op == Op::Untraced) missing.insert(n.source.empty() ? "?" : std::string(n.source));
         }
@@ -89,9 +90,9 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
             ASSERT_EQ(again[static_cast<std::size_t>(node)], sheetValue(r.out, fields[k].sheet, fields[k].name))
                 << fields[k].sheetName << "." << fields[k].name;
         }
-        // Every other cell of every sheet is explained down to the report's lines and the year's constants.
+        // Every cell of every sheet is explained down to the report's lines, the year's constants, the
+        // price index and today.
         for (std::size_t k = 0; k < fields.size(); ++k) {
-            if (explainedLater(fields[k])) continue;
             const int node = t.cellNodes[k];
             if (node < 0) {  // a row the run left empty
                 ASSERT_EQ(sheetValue(r.out, fields[k].sheet, fields[k].name), 0)
@@ -102,6 +103,8 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
             untraced(t, node, open);
             ASSERT_TRUE(open.empty()) << fields[k].sheetName << "." << fields[k].name << " rests on " << *open.begin();
         }
+        exempt += r.out.Main.PtorRibit != 0;
+        insured += r.out.BL.BLM_TOTAL_TASH != 0 && r.out.BL.BLF_TOTAL_TASH != 0;
         // The filing mode is explained by the figures compared.
         ASSERT_GE(t.filing, 0);
         EXPECT_EQ(t.at(t.filing).value, r.FilingMode);
@@ -115,6 +118,10 @@ TEST(Explain, TreesAddUpToTheCellsOverGeneratedReports) {
         }
     }
     for (int m = 0; m < 5; ++m) EXPECT_GT(modes[m], 20) << "mode " << m;
+    // The leaves are of the four kinds only, and each kind was met.
+    EXPECT_EQ(leafKinds, (std::set<Op>{Op::Line, Op::Constant, Op::Madad, Op::Today}));
+    EXPECT_GT(exempt, 20);
+    EXPECT_GT(insured, 20);
     std::string list;
     for (const auto& s : missing) list += s + " ";
     RecordProperty("untraced", list);
