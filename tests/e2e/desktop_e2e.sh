@@ -50,7 +50,7 @@ answer_box() {
 # the exit question: saved once more on the way out; the program must end.
 quit_saving() {
   xdotool windowfocus --sync "$WIN"
-  key alt+hebrew_dalet
+  key alt+hebrew_dalet; sleep 0.25   # the menu opens
   key Up
   key Return
   answer_box "יציאה"
@@ -65,7 +65,7 @@ quit_saving() {
 }
 
 type_text() { xdotool type --delay 40 "$1"; }
-key() { xdotool key "$@"; sleep 0.15; }
+key() { xdotool key "$@"; sleep 0.25; }
 
 "$ZELMOR" --data-dir "$DATA" --today 2016-06-30 >"$WORK/zelmor.log" 2>&1 &
 PID=$!
@@ -135,7 +135,7 @@ PID=$!
 WIN=$(wait_window "^Zelmor 2015$") || fail "the main window did not appear again"
 xdotool windowfocus --sync "$WIN"
 sleep 0.2
-key alt+hebrew_dalet
+key alt+hebrew_dalet; sleep 0.25     # the menu opens
 key hebrew_resh          # "&רשימת נישומים"
 LIST=$(wait_window "^רשימת נישומים$") || fail "no taxpayer list"
 xdotool windowfocus --sync "$LIST"
