@@ -15,6 +15,7 @@
 #include "engine/calc.h"
 #include "report/report_json.h"
 #include "shell/dlg_madadim.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "tables/madad_table.h"
 
@@ -173,12 +174,9 @@ TEST_F(MadadimDialogTest, KeyboardTabReachesTheButtonAndEscCloses) {
 // A picture for a person to look at (clipping, right to left), when
 // ZELMOR_DIALOG_SHOTS names a folder.
 TEST_F(MadadimDialogTest, Picture) {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
-    QDir().mkpath(folder);
+    ZELMOR_PICTURES_OR_SKIP(folder);
     type(kNewMonth, QStringLiteral("106.2"));
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog_));
-    ASSERT_TRUE(dialog_.grab().save(QDir(folder).filePath(QStringLiteral("madadim.png"))));
+    testing::savePicture(dialog_, folder, QStringLiteral("madadim"));
 }
 
 // The update replaces the table from a file:// address; a failure is named and

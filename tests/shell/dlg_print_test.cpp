@@ -20,6 +20,7 @@
 #include "print/pdf_text.h"
 #include "report/report_json.h"
 #include "shell/dlg_print.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "tables/madad_table.h"
 
@@ -261,16 +262,12 @@ TEST_F(PrintDialogTest, KeyboardReachesEveryControlAndEscCancels) {
 // A picture for a person to look at (clipping, right to left), when
 // ZELMOR_DIALOG_SHOTS names a folder.
 TEST_F(PrintDialogTest, Picture) {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
-    QDir().mkpath(folder);
+    ZELMOR_PICTURES_OR_SKIP(folder);
     PrintDialog d(session(true), setup());
     d.setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
     d.setCurrentPrinter(QStringLiteral("Office"));
     d.findChild<QCheckBox*>(QStringLiteral("chkDetails"))->setChecked(true);
-    d.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&d));
-    ASSERT_TRUE(d.grab().save(QDir(folder).filePath(QStringLiteral("print.png"))));
+    testing::savePicture(d, folder, QStringLiteral("print"));
 }
 
 }  // namespace

@@ -25,16 +25,10 @@ using namespace zelmor::shell::testing;
 
 namespace {
 
-void shoot(QWidget& w, const QString& folder, const char* name) {
-    w.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
-    ASSERT_TRUE(w.grab().save(QDir(folder).filePath(QLatin1String(name) + QStringLiteral(".png"))));
-}
+void shoot(QWidget& w, const QString& folder, const char* name) { savePicture(w, folder, QLatin1String(name)); }
 
 TEST(DialogShots, EveryDialog) {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the pictures";
-    QDir().mkpath(folder);
+    ZELMOR_PICTURES_OR_SKIP(folder);
     QTemporaryDir dir;
     MessageRecorder recorder;
 

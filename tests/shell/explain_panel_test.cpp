@@ -192,8 +192,7 @@ TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
 // A picture of the window for a person to look at; written only when
 // ZELMOR_DIALOG_SHOTS names a folder.
 TEST_F(ExplainPanelTest, Picture) {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the picture";
+    ZELMOR_PICTURES_OR_SKIP(folder);
     window_->explainCell(SheetId::CMain, QStringLiteral("MasMagiaM"));
     ExplainPanel* panel = window_->explainPanel();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(panel));
@@ -211,8 +210,7 @@ TEST_F(ExplainPanelTest, Picture) {
     openTo(root);
     tree->setCurrentItem(root);
     panel->resize(760, 520);
-    QDir().mkpath(folder);
-    ASSERT_TRUE(panel->grab().save(QDir(folder).filePath(QStringLiteral("explain-panel.png"))));
+    testing::savePicture(*panel, folder, QStringLiteral("explain-panel"));
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <QAction>
 #include <QCalendarWidget>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonDocument>
@@ -19,13 +18,13 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <QtTest/QTest>
-#include <cstdio>
 #include <memory>
 
 #include "core/values.h"
 #include "engine/calc.h"
 #include "print/paper.h"
 #include "report/report_json.h"
+#include "shell/dlg_test_support.h"
 #include "shell/messages.h"
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
@@ -333,21 +332,18 @@ TEST_F(ResultViewTest, CtrlCCopiesTheSheetAsTabSeparatedText) {
     EXPECT_TRUE(lines.contains("סה\"כ הכנסה בשיעורי מס רגילים\t280,000\t228,000"));
 }
 
-// Not a check: writes a picture of every sheet of the example and of the joint
-// couple into $ZELMOR_SHEET_SHOTS (run with --gtest_also_run_disabled_tests).
-TEST_F(ResultViewTest, DISABLED_Screenshots) {
-    const QString dir = qEnvironmentVariable("ZELMOR_SHEET_SHOTS", QStringLiteral("/tmp/sheets"));
+// A picture of every sheet of the example, the joint couple and a report with
+// special-rate income, for a person to look at; written only when
+// ZELMOR_DIALOG_SHOTS names a folder.
+TEST_F(ResultViewTest, Pictures) {
+    ZELMOR_PICTURES_OR_SKIP(folder);
     for (const auto& [name, path] : {std::pair{"couple", ZELMOR_SOURCE_DIR "/examples/couple.json"},
                                      std::pair{"joint", ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json"},
                                      std::pair{"special", ZELMOR_SOURCE_DIR "/tests/golden/reports/fixed-rate-income.json"}}) {
         show(calc(QString::fromUtf8(path)));
         for (int page = 1; page <= 8; ++page) {
-            QElapsedTimer timer;
-            timer.start();
             view->goSheet(page);
-            QCoreApplication::processEvents();
-            std::printf("%s sheet %d shown in %.2f ms\n", name, page, timer.nsecsElapsed() / 1e6);
-            view->grab().save(QStringLiteral("%1/%2-%3.png").arg(dir, QString::fromUtf8(name)).arg(page));
+            testing::savePicture(*view, folder, QStringLiteral("sheet-%1-%2").arg(QString::fromUtf8(name)).arg(page));
         }
     }
 }
