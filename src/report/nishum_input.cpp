@@ -135,18 +135,6 @@ const FieldDef* findField(std::string_view section, std::string_view name) {
     return nullptr;
 }
 
-const char* displayFormat(Display d) {
-    switch (d) {
-        case Display::Amount: return "#,##0";
-        case Display::Date: return "dd/mm/yyyy";
-        case Display::None:
-        case Display::Plain: break;
-    }
-    return "";
-}
-
-const char* inputMask(Display d) { return d == Display::Date ? "##/##/####" : ""; }
-
 Amount SumTTLM(const sections::Yegia& y) {
     static const ResolvedTotal& t = resolvedTotal(SectionId::Yegia, "TTLM");
     return sumParts(t, &y);

@@ -25,8 +25,6 @@ enum class Display { None, Amount, Date, Plain };
 // The list a drop-down field draws from (texts in entry_layout.h).
 enum class ListId { None, Degree, Settlement, Rate, Months };
 
-const char* displayFormat(Display d);  // "#,##0", "dd/mm/yyyy" or ""
-const char* inputMask(Display d);      // "##/##/####" or ""
 
 // Page order of the sections.
 enum class SectionId { Pratim = 1, Yegia, Rechush, Pturot, Nikuim, Nekudot, Zikuim, Tashlumim, Klaliim };

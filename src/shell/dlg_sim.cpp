@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/field_checks.h"
 #include "core/values.h"
 #include "report/nishum_input.h"
 #include "shell/messages.h"
@@ -15,7 +16,7 @@ namespace zelmor::shell {
 namespace {
 
 // Title of the program's warnings (a refused entry, a refused question).
-const QString kWarningTitle = QStringLiteral("Orvanta");
+const QString kWarningTitle = QString::fromLatin1(zelmor::kWarningTitle);
 const QString kOverflowText = QStringLiteral("החישוב הופסק: סכום חורג מתחום המספרים המותר.");
 
 QString dialogTitle(SimQuestion q) {
@@ -174,12 +175,16 @@ void SimDialog::calcClicked() {
         txtSum_->setFocus(Qt::OtherFocusReason);
         return;
     }
-    if (!IsValidAmount(text)) {
-        showMessage(this, MsgIcon::Exclamation, kWarningTitle, QStringLiteral("סכום לא חוקי"));
+    // The sum is checked as an amount field is on leaving it; its value is
+    // what the display form shows.
+    const FieldOutcome checked = CheckAmountField(text);
+    if (!checked.accepted) {
+        showMessage(this, MsgIcon::Exclamation, QString::fromStdString(checked.title),
+                    QString::fromStdString(checked.message));
         txtSum_->setFocus(Qt::OtherFocusReason);
         return;
     }
-    const Amount sum = ParseAmount(text);
+    const Amount sum = ParseAmount(checked.text);
     txtSum_->setText(amountText(sum));
     runSim(sum);
 }

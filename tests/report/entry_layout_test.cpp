@@ -265,19 +265,6 @@ TEST(Catalogue, TheLookOfAFieldOnTheScreen) {
         EXPECT_EQ(*f.prefix != '\0', key(f) == "Pratim.TikNikuimM" || key(f) == "Pratim.TikNikuimF") << key(f);
     }
     EXPECT_EQ(findField("Rechush", "AcheretRate")->display, Display::Plain);
-    EXPECT_STREQ(displayFormat(Display::Amount), "#,##0");
-    EXPECT_STREQ(displayFormat(Display::Date), "dd/mm/yyyy");
-    EXPECT_STREQ(inputMask(Display::Date), "##/##/####");
-    EXPECT_STREQ(displayFormat(Display::Plain), "");
-    EXPECT_STREQ(findField("Pratim", "TikNikuimF")->prefix, "9");
-
-    // The female wording of the marital options, and no other.
-    const std::map<std::string, std::string> female = {
-        {"isRavak", "רווקה"}, {"isNasuy", "נשואה"}, {"isAlman", "אלמנה"}, {"isGarush", "גרושה/פרודה"}};
-    for (const FieldDef& f : allFields()) {
-        const auto it = f.section == SectionId::Pratim ? female.find(f.name) : female.end();
-        EXPECT_EQ(f.femaleCaption, it == female.end() ? std::string() : it->second) << key(f);
-    }
 }
 
 TEST(Catalogue, ListsAndTheirTexts) {
