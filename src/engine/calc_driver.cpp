@@ -72,7 +72,7 @@ CalcResult Calculation<On>::run(trace::Trace* sink) {
         } scope(&rec);
         t.rec = &rec;
         CalcDoch();
-        rec.finish(out);
+        if (!jointAgain) rec.finish();
         t.rec = nullptr;
     } else {
         (void)sink;
@@ -167,6 +167,7 @@ void Calculation<On>::CalcNoTlut() {
     compared = true;
     filing.FilingMode = ModeJoint;
     CalcOneMode();
+    if constexpr (On) t.rec->finish();
     t.set(filing.MasMeuchad, "מס מגיע בחישוב מאוחד", taxDue());
     filing.FilingMode = ModeSeparate;
     CalcOneMode();
@@ -174,7 +175,7 @@ void Calculation<On>::CalcNoTlut() {
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves the separate run
         filing.FilingMode = ModeJoint;
         explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
-        CalcOneMode();
+        CalcJointAgain();
     } else {
         explainMode("המס בחישוב נפרד אינו עולה על המס בחישוב מאוחד", {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
     }
@@ -194,6 +195,7 @@ void Calculation<On>::CalcTlut() {
     }
     filing.FilingMode = ModeJoint;
     CalcOneMode();
+    if constexpr (On) t.rec->finish();
     t.set(filing.MasMeuchad, "מס מגיע בחישוב מאוחד", taxDue());
     if (filing.RegilRechushTestF <= 0) {
         explainMode("לבן הזוג אין הכנסה מרכוש בשיעור רגיל: חישוב מאוחד", {idOf(t(filing.RegilRechushTestF))});
@@ -206,10 +208,27 @@ void Calculation<On>::CalcTlut() {
     if (filing.MasMeuchad < filing.MasNifrad) {  // a tie leaves mode 3
         filing.FilingMode = ModeJoint;
         explainMode("המס בחישוב מאוחד נמוך מהמס בחישוב נפרד רכוש", {idOf(t(filing.MasMeuchad)), idOf(t(filing.MasNifrad))});
-        CalcOneMode();
+        CalcJointAgain();
     } else {
         explainMode("המס בחישוב נפרד רכוש אינו עולה על המס בחישוב מאוחד",
                     {idOf(t(filing.MasNifrad)), idOf(t(filing.MasMeuchad))});
+    }
+}
+
+// The joint way stands after the comparison: its run is made again for its
+// figures. It repeats the first run step for step, so the first run's
+// explanation stands for it and nothing is recorded.
+template <bool On>
+void Calculation<On>::CalcJointAgain() {
+    jointAgain = true;
+    if constexpr (On) {
+        Recorder* rec = std::exchange(t.rec, nullptr);
+        tlRecorder = nullptr;
+        CalcOneMode();
+        tlRecorder = rec;
+        t.rec = rec;
+    } else {
+        CalcOneMode();
     }
 }
 
@@ -222,7 +241,9 @@ void Calculation<On>::CalcOneMode() {
     const int mode = filing.FilingMode;
     ClearCalcState();
     out.ClearCalc();
-    if constexpr (On) t.rec->beginRun();
+    if constexpr (On) {
+        if (t.rec) t.rec->beginRun();
+    }
     filing.JointStage = mode == ModeJoint ? 1 : 0;
     Person& M = pM;
     for (;;) {

@@ -99,6 +99,7 @@ private:
     void CalcTlut();
     void CalcNoTlut();
     void CalcOneMode();
+    void CalcJointAgain();
     void CalcPersonF();
     void ClearCalcState();
     TA taxDue() const { return t(out.Main.MasMagiaF) + t(out.Main.MasMagiaM); }
@@ -205,6 +206,7 @@ private:
     NishumOutput out;
     Person pM, pF;
     bool compared = false;
+    bool jointAgain = false;  // the joint run was made again after the comparison
     Tracer<On> t;  // records the explanation when the run has a sink
 };
 

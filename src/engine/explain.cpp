@@ -58,19 +58,19 @@ std::string formula(const Trace& t, int i, bool numbers) {
 
 std::string leafLabel(const Node& n) {
     switch (n.op) {
-        case Op::Line: return std::string(n.caption) + " [" + std::string(n.source) + "]";
-        case Op::Constant: return n.source == "0" ? "0" : "קבוע " + std::string(n.source);
-        case Op::Madad: return "מדד " + std::string(n.source);
+        case Op::Line: return std::string(n.caption()) + " [" + std::string(n.source()) + "]";
+        case Op::Constant: return n.source() == "0" ? "0" : "קבוע " + std::string(n.source());
+        case Op::Madad: return "מדד " + std::string(n.source());
         case Op::Today: return "היום";
-        default: return n.source.empty() ? "(לא מוסבר)" : std::string(n.source) + " (לא מוסבר)";
+        default: return n.source().empty() ? "(לא מוסבר)" : std::string(n.source()) + " (לא מוסבר)";
     }
 }
 
 std::string label(const Trace& t, int i) {
     const Node& n = t.at(i);
     if (n.leaf()) return leafLabel(n);
-    if (!n.caption.empty() || !n.rule.empty()) return t.name(i);
-    if (!n.source.empty()) return std::string(n.source);
+    if (!n.caption().empty() || !n.rule().empty()) return t.name(i);
+    if (!n.source().empty()) return std::string(n.source());
     return "(" + formula(t, i, false) + ")";
 }
 
@@ -105,8 +105,8 @@ void jsonTree(const Trace& t, int i, int level, int depth, std::set<int>& shown,
     w.key("id").integer(i);
     w.key("name").string(n.leaf() ? leafLabel(n) : label(t, i));
     w.key("op").string(opKey(n.op));
-    if (!n.source.empty()) w.key("source").string(n.source);
-    if (n.op == Op::Decision) w.key("rule").string(n.rule);
+    if (!n.source().empty()) w.key("source").string(n.source());
+    if (n.op == Op::Decision) w.key("rule").string(n.rule());
     w.key("value").number(n.value);
     w.key("run").integer(n.run);
     if (n.spouse) w.key("spouse").string(std::string(1, n.spouse));
@@ -153,7 +153,7 @@ std::string formulaLine(const Trace& t, int i) {
         if (n.op != Op::Copy || numbers != formatNumber(n.value)) line += " = " + formatNumber(n.value);
         return line;
     }
-    if (n.op == Op::Constant && n.source == "0") return line;
+    if (n.op == Op::Constant && n.source() == "0") return line;
     return line + " = " + formatNumber(n.value);
 }
 

@@ -60,6 +60,7 @@ void Calculation<On>::RestoreYegia() {
     Nikuim.N244 = report.Nikuim.N244;
     Nikuim.N245 = report.Nikuim.N245;
     if constexpr (On) {
+        if (!t.rec) return;  // a run that records nothing
         t.rec->forget(&Yegia, &Yegia + 1);
         t.rec->forget(&Nikuim.N244, &Nikuim.N244 + 1);
         t.rec->forget(&Nikuim.N245, &Nikuim.N245 + 1);
@@ -73,6 +74,7 @@ void Calculation<On>::RestoreRechush() {
     Nikuim = report.Nikuim;
     Zikuim = report.Zikuim;
     if constexpr (On) {
+        if (!t.rec) return;  // a run that records nothing
         t.rec->forget(&Yegia, &Yegia + 1);
         t.rec->forget(&Rechush, &Rechush + 1);
         t.rec->forget(&Nikuim, &Nikuim + 1);

@@ -1,7 +1,10 @@
 #include "engine/trace.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <unordered_map>
 
 #include "core/amount.h"
@@ -111,10 +114,13 @@ namespace {
 // What the report's fields and the sheets' cells are called, by their place in
 // their record: worked out once.
 struct Catalogue {
+    // A report line's texts, kept small and together: a calculation reads hundreds.
     struct Line {
-        const FieldDef* field;
-        std::string name, source;
+        const char* name;
+        const char* source;
+        char spouse;  // 'M', 'F' or 0
     };
+    std::vector<std::string> lineNames, lineSources;  // the texts the lines point at
     struct Cell {
         std::string source, caption;
     };
@@ -123,9 +129,7 @@ struct Catalogue {
     std::vector<const Line*> lineAt;  // by half the byte offset in NishumInput
     // The texts of the cell by a quarter of the byte offset in NishumOutput, at
     // hand where the recorder looks (no source: no cell there).
-    struct CellText {
-        std::string_view source, caption;
-    };
+    using CellText = engine::CellText;
     std::vector<CellText> cellAt;
     std::vector<std::ptrdiff_t> cellOffset;  // by place in allSheetFields(): the byte offset in NishumOutput
     std::unordered_map<std::string, std::string> captions;
@@ -140,10 +144,18 @@ struct Catalogue {
             std::string name = *f.caption ? f.caption : f.name;
             while (!name.empty() && (name.back() == ' ' || name.back() == ':')) name.pop_back();
             if (*f.code) name += std::string(" (") + f.code + ")";
-            lines.push_back({&f, name, std::string(f.sectionName) + "." + f.name});
+            const char spouse = f.person == Person::M ? 'M' : f.person == Person::F ? 'F' : 0;
+            lineNames.push_back(name);
+            lineSources.push_back(std::string(f.sectionName) + "." + f.name);
+            lines.push_back({nullptr, nullptr, spouse});
         }
         lineAt.assign(sizeof(NishumInput) / 2 + 1, nullptr);
-        for (const Line& l : lines) lineAt[static_cast<std::size_t>(at(&in, l.field->address(in))) / 2] = &l;
+        const auto reportFields = allFields();
+        for (std::size_t i = 0; i < lines.size(); ++i) {  // the strings stay where they are from here on
+            lines[i].name = lineNames[i].c_str();
+            lines[i].source = lineSources[i].c_str();
+            lineAt[static_cast<std::size_t>(at(&in, reportFields[i].address(in))) / 2] = &lines[i];
+        }
         for (const SheetDef& s : allSheets())
             for (const SheetRow& row : sheetRows(s.id))
                 for (const char* f : row.fields)
@@ -157,7 +169,9 @@ struct Catalogue {
         const auto fields = allSheetFields();
         for (std::size_t i = 0; i < fields.size(); ++i) {
             cellOffset.push_back(at(&out, fields[i].address(out)));
-            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {cells[i].source, cells[i].caption};
+            const Cell& c = cells[i];
+            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {c.source.c_str(),
+                                                                         c.caption.empty() ? nullptr : c.caption.c_str()};
         }
     }
 };
@@ -167,10 +181,56 @@ const Catalogue& catalogue() {
     return c;
 }
 
+// What lies at each 4 bytes of a calculation's record: a report line (in the
+// run's copies of the sections) or a sheet cell. Every calculation's record
+// is laid out alike: worked out on the first and kept.
+struct Layout {
+    // The record's size, then where the copies of the sections and the sheets lie in it.
+    using Key = std::array<std::ptrdiff_t, 6>;
+    Key key;
+    std::vector<int> line;                         // by slot: the line's place in a report (half its offset), or -1
+    std::vector<Catalogue::CellText> cell;         // by slot
+    std::vector<std::size_t> cellSlot;             // by place in allSheetFields()
+};
+
+const Layout& layoutFor(const Layout::Key& key, std::span<const std::ptrdiff_t> sectionsInReport) {
+    static std::mutex made;
+    static std::vector<std::unique_ptr<Layout>> layouts;
+    static std::atomic<const Layout*> last{nullptr};
+    if (const Layout* l = last.load(std::memory_order_acquire); l && l->key == key) return *l;
+    const std::lock_guard lock(made);
+    for (const auto& l : layouts)
+        if (l->key == key) {
+            last.store(l.get(), std::memory_order_release);
+            return *l;
+        }
+    const Catalogue& cat = catalogue();
+    auto l = std::make_unique<Layout>();
+    l->key = key;
+    const auto slots = static_cast<std::size_t>(key[0]) / 4 + 1;
+    l->line.assign(slots, -1);
+    l->cell.assign(slots, Catalogue::CellText{});
+    // The sections' copies: a line lies where its field begins, 2 bytes a place in a report.
+    const std::size_t sizes[] = {sizeof(sections::Yegia), sizeof(sections::Rechush), sizeof(sections::Nikuim),
+                                 sizeof(sections::Zikuim)};
+    for (std::size_t s = 0; s < 4; ++s)
+        for (std::size_t b = 0; b < sizes[s]; b += 2)
+            if (const auto place = static_cast<std::size_t>(sectionsInReport[s]) / 2 + b / 2; cat.lineAt[place])
+                l->line[(static_cast<std::size_t>(key[s + 1]) + b) / 4] = static_cast<int>(place);
+    for (const std::ptrdiff_t at : cat.cellOffset) {
+        const auto slot = static_cast<std::size_t>(key[5] + at) / 4;
+        l->cell[slot] = cat.cellAt[static_cast<std::size_t>(at) / 4];
+        l->cellSlot.push_back(slot);
+    }
+    layouts.push_back(std::move(l));
+    last.store(layouts.back().get(), std::memory_order_release);
+    return *layouts.back();
+}
+
 }  // namespace
 
 Recorder::Recorder(trace::Trace& t, const void* calc, std::size_t size)
-    : t_(t), calc_(static_cast<const char*>(calc)), catalogue_(&catalogue()) {
+    : t_(t), calc_(static_cast<const char*>(calc)), calcBytes_(size), catalogue_(&catalogue()) {
     t_.clear();
     // One slot for every 4 bytes of the calculation, then one for every 2 of the report.
     const std::size_t calcSlots = size / 4 + 1, reportSlots = sizeof(NishumInput) / 2 + 1;
@@ -186,11 +246,24 @@ void Recorder::mapReport(const NishumInput& report, const sections::Yegia& y, co
                          const sections::Nikuim& n, const sections::Zikuim& z) {
     const auto base = [&](const void* section) { return static_cast<const char*>(section); };
     report_ = base(&report);
-    reportRanges_ = {{report_, sizeof(NishumInput), 0},
-                     {base(&y), sizeof y, base(&report.Yegia) - report_},
-                     {base(&r), sizeof r, base(&report.Rechush) - report_},
-                     {base(&n), sizeof n, base(&report.Nikuim) - report_},
-                     {base(&z), sizeof z, base(&report.Zikuim) - report_}};
+    reportRanges_ = {{{report_, sizeof(NishumInput), 0},
+                      {base(&y), sizeof y, base(&report.Yegia) - report_},
+                      {base(&r), sizeof r, base(&report.Rechush) - report_},
+                      {base(&n), sizeof n, base(&report.Nikuim) - report_},
+                      {base(&z), sizeof z, base(&report.Zikuim) - report_}}};
+}
+
+void Recorder::mapSheets(const NishumOutput& out) {
+    Layout::Key key{static_cast<std::ptrdiff_t>(calcBytes_)};
+    std::array<std::ptrdiff_t, 4> inReport{};
+    for (std::size_t s = 0; s < 4; ++s) {
+        key[s + 1] = reportRanges_[s + 1].begin - calc_;
+        inReport[s] = reportRanges_[s + 1].offset;
+    }
+    key[5] = static_cast<const char*>(static_cast<const void*>(&out)) - calc_;
+    const Layout& layout = layoutFor(key, inReport);
+    layout_ = &layout;
+    cells_ = layout.cell.data();
 }
 
 void Recorder::keep(const void* begin, const void* end) {
@@ -212,7 +285,6 @@ void Recorder::clear(const char* begin, const char* end) {
 
 void Recorder::beginRun() {
     ++run_;
-    t_.runs = run_;
     // Every figure of the calculation starts again, except those kept.
     clear(calc_, keepBegin_);
     clear(keepEnd_, calc_ + calcSlots_.size() * 4);
@@ -222,11 +294,9 @@ void Recorder::forget(const void* begin, const void* end) {
     clear(static_cast<const char*>(begin), static_cast<const char*>(end));
 }
 
-void Recorder::finish(NishumOutput& out) {
-    const auto& offsets = static_cast<const Catalogue*>(catalogue_)->cellOffset;
-    const char* base = static_cast<const char*>(static_cast<const void*>(&out));
-    for (std::size_t i = 0; i < offsets.size(); ++i)
-        if (const int* s = slot(base + offsets[i])) t_.cellNodes[i] = *s;
+void Recorder::finish() {
+    const auto& cellSlot = static_cast<const Layout*>(layout_)->cellSlot;
+    for (std::size_t i = 0; i < cellSlot.size(); ++i) t_.cellNodes[i] = calcSlots_[cellSlot[i]];
 }
 
 const void* Recorder::lineAt(const void* addr) const {
@@ -238,58 +308,71 @@ const void* Recorder::lineAt(const void* addr) const {
     return nullptr;
 }
 
-const void* Recorder::cellAt(const void* addr) const {
-    const auto p = static_cast<const char*>(addr);
-    if (!out_ || p < out_ || p >= out_ + sizeof(NishumOutput)) return nullptr;
-    const auto& cell = static_cast<const Catalogue*>(catalogue_)->cellAt[static_cast<std::size_t>(p - out_) / 4];
-    return cell.source.empty() ? nullptr : &cell;
+int Recorder::lineNode(const void* field, double value) {
+    const auto* line = static_cast<const Catalogue::Line*>(field);
+    int i;
+    Node& n = add(Op::Line, value, i);
+    n.caption_ = line->name;
+    n.source_ = line->source;
+    n.spouse = line->spouse;
+    return i;
 }
 
-// A new node at the end, written in place.
-Node& Recorder::add(Op op, double value, int& index) {
-    index = static_cast<int>(t_.nodes.size());
-    Node& n = t_.nodes.emplace_back();
-    n.op = op;
-    n.value = value;
-    n.run = run_;
-    return n;
-}
-
-int Recorder::firstRead(const void* addr, double value, int* s) {
-    int i = -1;
-    if (const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr))) {
-        Node& n = add(Op::Line, value, i);
-        n.caption = line->name;
-        n.source = line->source;
-        const Person who = line->field->person;
-        n.spouse = who == Person::M ? 'M' : who == Person::F ? 'F' : 0;
+int Recorder::firstReadInCalc(std::size_t slot, double value) {
+    const Layout& layout = *static_cast<const Layout*>(layout_);
+    int i;
+    if (const int place = layout.line[slot]; place >= 0) {
+        // A line of the run's copy of a section, read as the report holds it, is
+        // the report's line: one node for both, in every run.
+        int& inReport = reportSlots_[static_cast<std::size_t>(place)];
+        if (inReport >= 0 && t_.at(inReport).op == Op::Line && t_.at(inReport).value == value) {
+            i = inReport;
+        } else {
+            i = lineNode(static_cast<const Catalogue*>(catalogue_)->lineAt[static_cast<std::size_t>(place)], value);
+            if (inReport < 0) inReport = i;
+        }
     } else if (value == 0) {
         // A working figure or cell the run has not written holds the 0 it started from.
         i = constant("0", 0);
     } else {
         Node& n = add(Op::Untraced, value, i);
-        if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) n.source = cell->source;
+        n.source_ = layout.cell[slot].source;
+    }
+    calcSlots_[slot] = i;
+    return i;
+}
+
+int Recorder::firstRead(const void* addr, double value, int* s) {
+    int i = -1;
+    if (const void* line = lineAt(addr)) {
+        i = lineNode(line, value);
+    } else if (value == 0) {
+        // A working figure or cell the run has not written holds the 0 it started from.
+        i = constant("0", 0);
+    } else {
+        add(Op::Untraced, value, i);
     }
     if (s) *s = i;
     return i;
 }
 
-int Recorder::constant(const char* name, double value) {
+int Recorder::newConstant(const char* name, double value) {
     // The same name may stand in two places of the program with two addresses:
     // each is a slot of its own, and both nodes read the same.
-    std::size_t h = (reinterpret_cast<std::uintptr_t>(name) >> 3) % constants_.size();
-    while (constants_[h].name && constants_[h].name != name) h = (h + 1) % constants_.size();
+    std::size_t h = constantPlace(name), tried = 0;
+    while (constants_[h].name && constants_[h].name != name && ++tried < constants_.size())
+        h = (h + 1) % constants_.size();
     ConstantSlot& c = constants_[h];
-    if (c.name && c.value == value) return c.node;
-    c.name = name;
-    c.value = value;
-    add(Op::Constant, value, c.node).source = name;
-    return c.node;
+    if (c.name == name && t_.at(c.node).value == value) return c.node;
+    int i;
+    add(Op::Constant, value, i).source_ = name;
+    if (tried < constants_.size()) c = {name, i};  // when every place is taken, the node stands alone
+    return i;
 }
 
 int Recorder::today(double value) {
     int i;
-    add(Op::Today, value, i).source = "today";
+    add(Op::Today, value, i).source_ = "today";
     return i;
 }
 
@@ -305,106 +388,103 @@ int Recorder::madad(Date month, double value) {
     const int y = month.year();
     int i;
     Node& n = add(Op::Madad, value, i);
-    n.source = y >= kFirst && y <= kLast ? std::string_view(names[static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1)])
-                                         : std::string_view("madad");
+    n.source_ = y >= kFirst && y <= kLast ? names[static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1)].c_str()
+                                          : "madad";
     return i;
 }
 
-int Recorder::op(Op o, double value, int a, int b) {
-    int first = static_cast<int>(t_.kidPool.size());
-    // A chain of sums reads as one sum: a + b + c, added left to right. The
-    // left sum's children are taken over where they lie when they end the pool.
-    const Node& left = t_.at(a);
-    if (o == Op::Sum && left.op == Op::Sum && !left.named()) {
-        if (static_cast<std::size_t>(left.first + left.count) == t_.kidPool.size())
-            first = left.first;
-        else
-            for (int k = 0; k < left.count; ++k)
-                t_.kidPool.push_back(t_.kidPool[static_cast<std::size_t>(left.first + k)]);
+int Recorder::chain(double value, int sum, int b) {
+    auto& pool = t_.kidPool;
+    const Node& left = t_.at(sum);
+    int first = static_cast<int>(pool.size());
+    if (left.count <= Node::kHere) {
+        pool.insert(pool.end(), left.kids_, left.kids_ + left.count);
+    } else if (static_cast<std::size_t>(left.kids_[0] + left.count) == pool.size()) {
+        first = left.kids_[0];  // the terms end the pool: the new sum shares them
     } else {
-        t_.kidPool.push_back(a);
+        const auto from = static_cast<std::size_t>(left.kids_[0]);
+        for (std::size_t k = 0; k < left.count; ++k) pool.push_back(pool[from + k]);
     }
-    if (b >= 0) t_.kidPool.push_back(b);
+    pool.push_back(b);
     int i;
-    Node& n = add(o, value, i);
+    Node& n = add(Op::Sum, value, i);
     n.spouse = spouse;
-    n.first = first;
-    n.count = static_cast<int>(t_.kidPool.size()) - first;
-    openSum_ = o == Op::Sum ? i : -1;
+    n.kids_[0] = first;
+    n.count = static_cast<std::uint16_t>(static_cast<int>(pool.size()) - first);
+    openSum_ = i;
     return i;
-}
-
-int Recorder::extend(double value, int a, int b) {
-    Node& n = t_.nodes[static_cast<std::size_t>(a)];
-    if (a != openSum_ || static_cast<std::size_t>(n.first + n.count) != t_.kidPool.size())
-        return op(Op::Sum, value, a, b);
-    t_.kidPool.push_back(b);
-    ++n.count;
-    n.value = value;
-    return a;
 }
 
 int Recorder::decision(const char* title, const char* rule, double value, std::initializer_list<int> kids) {
     openSum_ = -1;
     int i;
     Node& n = add(Op::Decision, value, i);
-    n.caption = title;
-    n.rule = rule;
-    n.first = static_cast<int>(t_.kidPool.size());
-    n.count = static_cast<int>(kids.size());
-    t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
+    n.caption_ = title;
+    n.rule_ = rule;
+    n.count = static_cast<std::uint16_t>(kids.size());
+    if (kids.size() <= Node::kHere) {
+        std::copy(kids.begin(), kids.end(), n.kids_);
+    } else {
+        n.kids_[0] = static_cast<int>(t_.kidPool.size());
+        t_.kidPool.insert(t_.kidPool.end(), kids.begin(), kids.end());
+    }
     return i;
 }
 
-int Recorder::copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source) {
+int Recorder::copyOf(int node, const char* caption, const char* rule, const char* source) {
     openSum_ = -1;
     const double value = t_.at(node).value;
     int i;
     Node& copy = add(Op::Copy, value, i);
-    copy.caption = caption;
-    copy.rule = rule;
-    copy.source = source;
+    copy.caption_ = caption;
+    copy.rule_ = rule;
+    copy.source_ = source;
     copy.spouse = spouse;
-    copy.first = static_cast<int>(t_.kidPool.size());
+    copy.kids_[0] = node;
     copy.count = 1;
-    t_.kidPool.push_back(node);
     return i;
 }
 
-int Recorder::name(int node, std::string_view rule) { return copyOf(node, {}, rule, {}); }
+int Recorder::name(int node, const char* rule) { return copyOf(node, nullptr, *rule ? rule : nullptr, nullptr); }
 
 int Recorder::datePart(const void* addr, const char* part, double value) {
     const auto* line = static_cast<const Catalogue::Line*>(lineAt(addr));
     int i;
     Node& n = add(Op::Line, value, i);
-    n.caption = part;
-    if (line) n.source = line->source;
+    n.caption_ = part;
+    if (line) n.source_ = line->source;
     n.spouse = spouse;
     return i;
 }
 
-void Recorder::bind(const void* addr, int node, std::string_view rule) {
-    if (node == openSum_) openSum_ = -1;  // the figure holds it now
-    std::string_view caption, source;
-    if (const auto* cell = static_cast<const Catalogue::CellText*>(cellAt(addr))) {
-        source = cell->source;
-        caption = cell->caption;
+void Recorder::bindNamed(const void* addr, int node, const char* rule) {
+    if (!*rule) rule = nullptr;
+    const char *caption = nullptr, *source = nullptr;
+    const auto p = static_cast<const char*>(addr);
+    const auto at = static_cast<std::size_t>(p - calc_);
+    const bool inCalc = p >= calc_ && at < calcBytes_;
+    if (inCalc) {
+        source = cells_[at / 4].source;
+        caption = cells_[at / 4].caption;
     }
     int bound = node;
     Node& n = t_.nodes[static_cast<std::size_t>(node)];
     // A working figure taken over as it is is explained by what it holds; a
     // step of a formula takes the figure's name; a figure already named is
     // taken over by a new node.
-    if (rule.empty() && caption.empty() && source.empty()) {
+    if (!rule && !caption && !source) {
     } else if (!n.leaf() && !n.named() && n.run == run_) {
-        n.caption = caption;
-        n.rule = rule;
-        n.source = source;
+        n.caption_ = caption;
+        n.rule_ = rule;
+        n.source_ = source;
         n.spouse = spouse;
     } else {
         bound = copyOf(node, caption, rule, source);
     }
-    if (int* s = slot(addr)) *s = bound;
+    if (inCalc)
+        calcSlots_[at / 4] = bound;
+    else if (int* s = slot(addr))
+        *s = bound;
 }
 
 }  // namespace engine
@@ -421,9 +501,10 @@ int Trace::cell(std::string_view id) const {
 
 std::string Trace::name(int i) const {
     const Node& n = at(i);
-    if (n.caption.empty()) return std::string(n.rule);
-    if (n.rule.empty() || n.rule == n.caption) return std::string(n.caption);
-    return std::string(n.caption) + " — " + std::string(n.rule);
+    const std::string_view caption = n.caption(), rule = n.rule();
+    if (caption.empty()) return std::string(rule);
+    if (rule.empty() || rule == caption) return std::string(caption);
+    return std::string(caption) + " — " + std::string(rule);
 }
 
 }  // namespace trace

@@ -4,10 +4,15 @@
 // report's own lines, the year's constants, price index values and today.
 // A plain tree of data, so that a screen, a page or a command line can show it.
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace zelmor::engine {
+class Recorder;
+}
 
 namespace zelmor::trace {
 
@@ -33,28 +38,47 @@ enum class Op {
 };
 
 // The texts of a node are the program's own (captions, rule words, names of
-// fields and constants): they live as long as the program.
+// fields and constants): they live as long as the program. A node is small,
+// as a calculation makes thousands of them: the texts are kept as pointers
+// and read through the functions below.
 struct Node {
-    Op op = Op::Untraced;
-    char spouse = 0;  // 'M', 'F', or 0 when the figure belongs to neither alone
-    int run = 0;      // 0: the filing tests before the runs; 1, 2, 3: the runs in order
     double value = 0;
-    std::string_view caption;  // the cell's caption on its sheet, the report line's caption, a filing mode's title
-    std::string_view rule;     // the rule's word for the figure; both empty for a step inside a formula
-    std::string_view source;   // "Yegia.N150", "SUM3", "CMain.MasMagiaM", "madad 2015-11", "today"; or empty
-    int first = 0, count = 0;  // the children: Trace::kids
+    std::uint16_t count = 0;   // of children: Trace::kids
+    Op op = Op::Untraced;
+    char spouse = 0;           // 'M', 'F', or 0 when the figure belongs to neither alone
+    // 0: the filing tests before the runs; 1, 2: the runs in order. The joint
+    // run made again after a comparison repeats the first and records nothing.
+    std::uint8_t run = 0;
+
+    // The cell's caption on its sheet, the report line's caption, a filing mode's title.
+    std::string_view caption() const { return text(caption_); }
+    // The rule's word for the figure; empty, as the caption, for a step inside a formula.
+    std::string_view rule() const { return text(rule_); }
+    // "Yegia.N150", "SUM3", "CMain.MasMagiaM", "madad 2015-11", "today"; or empty.
+    std::string_view source() const { return text(source_); }
 
     bool leaf() const { return op < Op::Sum; }
-    bool named() const { return !caption.empty() || !rule.empty() || !source.empty(); }
+    bool named() const { return caption_ || rule_ || source_; }
+
+private:
+    friend class engine::Recorder;
+    friend struct Trace;
+    static std::string_view text(const char* s) { return s ? std::string_view(s) : std::string_view(); }
+    // Two children or fewer lie here; more lie in Trace::kidPool, from kids_[0] on.
+    static constexpr int kHere = 2;
+    int kids_[kHere] = {0, 0};
+    // Null when there is no text; never an empty one.
+    const char* caption_ = nullptr;
+    const char* rule_ = nullptr;
+    const char* source_ = nullptr;
 };
 
 // What a calculation with a sink records.
 struct Trace {
     std::vector<Node> nodes;
-    std::vector<int> kidPool;   // the children of every node, one after another
+    std::vector<int> kidPool;   // the children of the nodes with more than two, one after another
     std::vector<int> cellNodes; // by place in allSheetFields(): the node of the cell in the run that stands, or -1
     int filing = -1;            // the node of the filing-mode decision
-    int runs = 0;
     std::vector<int> scratch;   // the recorder's working memory, kept for the next calculation
 
     // Emptied by every calculation it is given to; what it took of memory stays
@@ -65,13 +89,12 @@ struct Trace {
         cellNodes.clear();
         scratch.clear();
         filing = -1;
-        runs = 0;
     }
 
     const Node& at(int i) const { return nodes[static_cast<std::size_t>(i)]; }
     std::span<const int> kids(int i) const {
         const Node& n = at(i);
-        return {kidPool.data() + n.first, static_cast<std::size_t>(n.count)};
+        return {n.count <= Node::kHere ? n.kids_ : kidPool.data() + n.kids_[0], static_cast<std::size_t>(n.count)};
     }
     // The node of a cell named "CMain.MasMagiaM", or -1.
     int cell(std::string_view id) const;

@@ -6,6 +6,7 @@
 // recorded, and what is left is the bare arithmetic and one test per step.
 
 #include <array>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,12 @@ struct TD {
     int n = -1;
 };
 
+// A sheet cell's texts, where the recorder looks them up.
+struct CellText {
+    const char* source = nullptr;  // null: no cell there
+    const char* caption = nullptr;
+};
+
 class Recorder {
 public:
     // `calc` is the calculation's own record (working figures, sheets, the
@@ -39,36 +46,61 @@ public:
     // read from them is named.
     void mapReport(const NishumInput& report, const sections::Yegia& y, const sections::Rechush& r,
                    const sections::Nikuim& n, const sections::Zikuim& z);
-    void mapSheets(NishumOutput& out) { out_ = static_cast<const char*>(static_cast<const void*>(&out)); }
+    void mapSheets(const NishumOutput& out);
     // Figures in [begin, end) outlive the runs.
     void keep(const void* begin, const void* end);
 
     void beginRun();
     void forget(const void* begin, const void* end);  // the figures there were reset from the report
-    void finish(NishumOutput& out);                   // the cells of the run that stands
+    void finish();                                    // the cells of the run that stands
 
     // The node of a figure read: the one it holds, or a new one.
     int nodeOf(const void* addr, double value) {
+        const auto p = static_cast<const char*>(addr);
+        if (const auto at = static_cast<std::size_t>(p - calc_); p >= calc_ && at < calcBytes_) {
+            const int n = calcSlots_[at / 4];
+            return n >= 0 ? n : firstReadInCalc(at / 4, value);
+        }
         int* s = slot(addr);
         return s && *s >= 0 ? *s : firstRead(addr, value, s);
     }
-    int constant(const char* name, double value);
+    int constant(const char* name, double value) {
+        const ConstantSlot& c = constants_[constantPlace(name)];
+        return c.name == name && t_.at(c.node).value == value ? c.node : newConstant(name, value);
+    }
     int today(double value);                      // the date taken for today, as its day number
     int madad(Date month, double value);          // the price index of a month
     int op(trace::Op op, double value, int a, int b = -1);
     // a + b where a is a sum nothing else holds: b joins a's terms.
     int extend(double value, int a, int b);
     int decision(const char* title, const char* rule, double value, std::initializer_list<int> kids);
-    void bind(const void* addr, int node, std::string_view rule);
-    int name(int node, std::string_view rule);
+    // The rule's word: a text that lives as long as the program, or "" for none.
+    void bind(const void* addr, int node, const char* rule) {
+        if (node == openSum_) openSum_ = -1;  // the figure holds it now
+        const auto at = static_cast<std::size_t>(static_cast<const char*>(addr) - calc_);
+        // A working figure taken over as it is is explained by what it holds.
+        if (!*rule && at < calcBytes_ && !cells_[at / 4].source)
+            calcSlots_[at / 4] = node;
+        else
+            bindNamed(addr, node, rule);
+    }
+    int name(int node, const char* rule);
     int datePart(const void* addr, const char* part, double value);
     void decided(int node) { t_.filing = node; }
 
     char spouse = 0;
 
 private:
-    trace::Node& add(trace::Op op, double value, int& index);
-    int copyOf(int node, std::string_view caption, std::string_view rule, std::string_view source);
+    [[gnu::always_inline]] trace::Node& add(trace::Op op, double value, int& index);
+    int copyOf(int node, const char* caption, const char* rule, const char* source);
+    void bindNamed(const void* addr, int node, const char* rule);
+    static std::size_t constantPlace(const char* name) {
+        // Names lie close together: a multiplication spreads them.
+        return static_cast<std::size_t>((static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name)) *
+                                         0x9E3779B97F4A7C15ull) >> 55);  // 9 bits: 512 places
+    }
+    int newConstant(const char* name, double value);
+    int chain(double value, int sum, int b);  // a new sum of the terms of `sum` and b
     // The node a figure of the calculation or report holds, or null.
     int* slot(const void* addr) {
         const auto p = static_cast<const char*>(addr);
@@ -78,8 +110,9 @@ private:
         return nullptr;
     }
     int firstRead(const void* addr, double value, int* slot);
+    int firstReadInCalc(std::size_t slot, double value);
+    int lineNode(const void* line, double value);  // a node for a report line read
     const void* lineAt(const void* addr) const;  // the report line there, or null
-    const void* cellAt(const void* addr) const;  // the sheet cell there, or null
     void clear(const char* begin, const char* end);
 
     trace::Trace& t_;
@@ -87,6 +120,7 @@ private:
     // The node each figure holds, by its place: 4 bytes a figure in the
     // calculation, 2 in the report (whose counts are 16 bits).
     const char* calc_;
+    std::size_t calcBytes_;
     std::span<int> calcSlots_;
     const char* report_ = nullptr;
     std::span<int> reportSlots_;
@@ -99,19 +133,61 @@ private:
         std::size_t size;
         std::ptrdiff_t offset;
     };
-    std::vector<Range> reportRanges_;
-    const char* out_ = nullptr;
+    std::array<Range, 5> reportRanges_{};
     const void* catalogue_;
+    const void* layout_ = nullptr;  // what lies at each slot of the calculation's record
+    const CellText* cells_ = nullptr;  // the cells there, by slot
     int openSum_ = -1;  // the sum made last, while only the figure in hand holds it
     // The constants recorded so far, by the address of their name (open
     // addressing; a name is a literal of the rule that uses it).
     struct ConstantSlot {
         const char* name = nullptr;
         int node = -1;
-        double value = 0;  // the node's value, kept here to spare a look into the nodes
     };
-    std::array<ConstantSlot, 512> constants_{};
+    static constexpr std::size_t kConstantPlaces = 512;  // constantPlace() gives 9 bits
+    std::array<ConstantSlot, kConstantPlaces> constants_{};
 };
+
+// A new node at the end, written in place.
+inline trace::Node& Recorder::add(trace::Op op, double value, int& index) {
+    index = static_cast<int>(t_.nodes.size());
+    trace::Node& n = t_.nodes.emplace_back();
+    n.op = op;
+    n.value = value;
+    n.run = static_cast<std::uint8_t>(run_);
+    return n;
+}
+
+inline int Recorder::op(trace::Op o, double value, int a, int b) {
+    // A chain of sums reads as one sum: a + b + c, added left to right.
+    const trace::Node& left = t_.at(a);
+    if (o == trace::Op::Sum && left.op == trace::Op::Sum && !left.named()) return chain(value, a, b);
+    int i;
+    trace::Node& n = add(o, value, i);
+    n.spouse = spouse;
+    n.kids_[0] = a;
+    n.kids_[1] = b;
+    n.count = b >= 0 ? 2 : 1;
+    openSum_ = o == trace::Op::Sum ? i : -1;
+    return i;
+}
+
+inline int Recorder::extend(double value, int a, int b) {
+    if (a != openSum_) return op(trace::Op::Sum, value, a, b);
+    trace::Node& n = t_.nodes[static_cast<std::size_t>(a)];
+    auto& pool = t_.kidPool;
+    if (n.count <= trace::Node::kHere) {  // its two terms move to the pool's end
+        const int first = static_cast<int>(pool.size());
+        pool.insert(pool.end(), n.kids_, n.kids_ + n.count);
+        n.kids_[0] = first;
+    } else if (static_cast<std::size_t>(n.kids_[0] + n.count) != pool.size()) {
+        return op(trace::Op::Sum, value, a, b);
+    }
+    pool.push_back(b);
+    ++n.count;
+    n.value = value;
+    return a;
+}
 
 // The recorder of the calculation running on this thread, or null.
 extern thread_local Recorder* tlRecorder;
@@ -234,15 +310,15 @@ public:
     TA zero() const { return k("0", Amount(0)); }
     TA floor0(TA v) const { return MaxLong(v, zero()); }  // below 0 it is 0
 
-    void set(Amount& dst, std::string_view name, TA x) const {
+    void set(Amount& dst, const char* name, TA x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
-    void set(double& dst, std::string_view name, TD x) const {
+    void set(double& dst, const char* name, TD x) const {
         dst = x.v;
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
-    void set(Date& dst, std::string_view name, TD x) const {  // a date as its day number
+    void set(Date& dst, const char* name, TD x) const {  // a date as its day number
         dst = Date::fromSerial(static_cast<std::int32_t>(x.v));
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
@@ -253,16 +329,16 @@ public:
         return {static_cast<double>(value), rec ? rec->datePart(&d, part, value) : -1};
     }
     // A figure of a rule that is kept nowhere, under its name.
-    TD name(std::string_view name, TD x) const {
+    TD name(const char* name, TD x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
-    TA name(std::string_view name, TA x) const {
+    TA name(const char* name, TA x) const {
         if (x.n >= 0) x.n = rec->name(x.n, name);
         return x;
     }
     // The figure is moved elsewhere and becomes 0.
-    void moved(Amount& dst, std::string_view name) const {
+    void moved(Amount& dst, const char* name) const {
         const int from = rec ? rec->nodeOf(&dst, dst.value()) : -1;
         dst = 0;
         if (rec) rec->bind(&dst, rec->op(trace::Op::Zero, 0, from), name);
@@ -292,15 +368,15 @@ public:
     double percent(Amount rate) const { return Percent(rate.value()); }
     Amount zero() const { return 0; }
     Amount floor0(Amount v) const { return MaxLong(v, 0); }
-    void set(Amount& dst, std::string_view, Amount x) const { dst = x; }
-    void set(double& dst, std::string_view, double x) const { dst = x; }
-    void set(Date& dst, std::string_view, double x) const { dst = Date::fromSerial(static_cast<std::int32_t>(x)); }
+    void set(Amount& dst, const char*, Amount x) const { dst = x; }
+    void set(double& dst, const char*, double x) const { dst = x; }
+    void set(Date& dst, const char*, double x) const { dst = Date::fromSerial(static_cast<std::int32_t>(x)); }
     double today(Date d) const { return d.serial(); }
     double madad(Date, double v) const { return v; }
     double datePart(const Date&, const char*, int value) const { return value; }
-    Amount name(std::string_view, Amount x) const { return x; }
-    double name(std::string_view, double x) const { return x; }
-    void moved(Amount& dst, std::string_view) const { dst = 0; }
+    Amount name(const char*, Amount x) const { return x; }
+    double name(const char*, double x) const { return x; }
+    void moved(Amount& dst, const char*) const { dst = 0; }
     void who(char) const {}
 };
 

@@ -157,9 +157,9 @@ void ExplainPanel::activate(QTreeWidgetItem* item) {
         item->setExpanded(!item->isExpanded());
         return;
     }
-    const auto dot = n.source.find('.');
+    const auto dot = n.source().find('.');
     if (dot == std::string_view::npos) return;
-    if (const FieldDef* f = findField(n.source.substr(0, dot), n.source.substr(dot + 1)))
+    if (const FieldDef* f = findField(n.source().substr(0, dot), n.source().substr(dot + 1)))
         emit lineActivated(f->section, QString::fromUtf8(f->name));
 }
 

@@ -66,8 +66,8 @@ protected:
             const int node = item->data(0, ExplainPanel::kNodeRole).toInt();
             const trace::Node& n = t.at(node);
             if (n.op == trace::Op::Line) {
-                const auto dot = n.source.find('.');
-                const FieldDef* f = findField(n.source.substr(0, dot), n.source.substr(dot + 1));
+                const auto dot = n.source().find('.');
+                const FieldDef* f = findField(n.source().substr(0, dot), n.source().substr(dot + 1));
                 if (f && f->section != other) return item;
             }
             item->setExpanded(true);
@@ -118,7 +118,7 @@ TEST_F(ExplainPanelTest, F1OnAnAmountShowsItsTreeAndAReportLineLeadsToItsField) 
     QTreeWidgetItem* line = reportLine(tree, t, SectionId::Pratim);
     ASSERT_NE(line, nullptr);
     const trace::Node& leaf = t.at(line->data(0, ExplainPanel::kNodeRole).toInt());
-    const std::string source(leaf.source);
+    const std::string source(leaf.source());
     const FieldDef* field = findField(source.substr(0, source.find('.')), source.substr(source.find('.') + 1));
     ASSERT_NE(field, nullptr);
     tree->setCurrentItem(line);
