@@ -36,9 +36,11 @@ struct CalcResult {
 // sum leaves the 32-bit range; nothing is returned then.
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
 // The same calculation, recording into `sink` how every figure came about
-// (engine/trace.h). The result is the same as without a sink.
+// (engine/trace.h). The result is the same as without a sink. With an
+// `interestDate`, the balance is carried to it instead of today, as CalcRibit
+// carries the summary on show to a date chosen there.
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
-                    trace::Trace* sink);
+                    trace::Trace* sink, Date interestDate = Date());
 
 // Interest and linkage of the balance on the summary sheet to a date (no date:
 // today), without a new calculation. Writes Ribit, RibitDate, PtorRibit, Itra,

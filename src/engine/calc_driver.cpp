@@ -20,9 +20,15 @@ CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLo
 }
 
 CalcResult CalcDoch(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today,
-                    trace::Trace* sink) {
-    if (!sink) return engine::Calculation<false>(report, c, madad, today).run();
-    return engine::Calculation<true>(report, c, madad, today).run(sink);
+                    trace::Trace* sink, Date interestDate) {
+    if (!sink) {
+        engine::Calculation<false> calc(report, c, madad, today);
+        calc.interestDate = interestDate;
+        return calc.run();
+    }
+    engine::Calculation<true> calc(report, c, madad, today);
+    calc.interestDate = interestDate;
+    return calc.run(sink);
 }
 
 namespace engine {

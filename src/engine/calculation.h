@@ -92,6 +92,7 @@ class Calculation {
 public:
     Calculation(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today);
     CalcResult run(trace::Trace* sink = nullptr);  // CalcDoch
+    Date interestDate;  // the date the balance is carried to; none: today
 
 private:
     // Driver and filing modes.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/json_writer.h"
+#include "core/values.h"
 
 namespace zelmor::trace {
 namespace {
@@ -20,12 +21,19 @@ const char* spouseWord(char s) { return s == 'F' ? "בן הזוג" : s == 'M' ? 
 
 bool anonymous(const Node& n) { return !n.leaf() && !n.named(); }
 
+Date dateOf(const Node& n) { return Date::fromSerial(static_cast<std::int32_t>(n.value)); }
+
+// A figure's value as a formula shows it: a date as a date.
+std::string valueText(const Node& n) { return n.date ? FormatDate(dateOf(n)) : formatNumber(n.value); }
+
 // What a figure is called in a formula: its name, a leaf's source, or the
 // formula of a step that has no name of its own.
 std::string label(const Trace& t, int i);
 
 std::string formula(const Trace& t, int i, bool numbers) {
     const Node& n = t.at(i);
+    // A name given to a step of a formula reads as the step itself.
+    if (n.op == Op::Copy && anonymous(t.at(t.kids(i)[0]))) return formula(t, t.kids(i)[0], numbers);
     std::vector<std::string> parts;
     for (int k : t.kids(i)) {
         const Node& kid = t.at(k);
@@ -34,7 +42,7 @@ std::string formula(const Trace& t, int i, bool numbers) {
         else if (anonymous(kid) && (kid.op == Op::Sum || kid.op == Op::Difference))
             parts.push_back("(" + formatNumber(kid.value) + ")");
         else
-            parts.push_back(formatNumber(kid.value));
+            parts.push_back(valueText(kid));
     }
     const auto joined = [&](const char* sep) {
         std::string s;
@@ -60,8 +68,12 @@ std::string leafLabel(const Node& n) {
     switch (n.op) {
         case Op::Line: return std::string(n.caption()) + " [" + std::string(n.source()) + "]";
         case Op::Constant: return n.source() == "0" ? "0" : "קבוע " + std::string(n.source());
-        case Op::Madad: return "מדד " + std::string(n.source());
-        case Op::Today: return "היום";
+        case Op::Madad: {  // "madad 2015-11": the month
+            std::string_view month = n.source();
+            if (month.starts_with("madad ")) month.remove_prefix(6);
+            return "מדד " + std::string(month);
+        }
+        case Op::Today: return n.source() == "today" ? "היום" : "תאריך הריבית שנבחר";
         default: return n.source().empty() ? "(לא מוסבר)" : std::string(n.source()) + " (לא מוסבר)";
     }
 }
@@ -108,6 +120,7 @@ void jsonTree(const Trace& t, int i, int level, int depth, std::set<int>& shown,
     if (!n.source().empty()) w.key("source").string(n.source());
     if (n.op == Op::Decision) w.key("rule").string(n.rule());
     w.key("value").number(n.value);
+    if (n.date) w.key("date").string(formatIsoDate(dateOf(n)));
     w.key("run").integer(n.run);
     if (n.spouse) w.key("spouse").string(std::string(1, n.spouse));
     if (!n.leaf()) {
@@ -147,14 +160,15 @@ std::string formulaLine(const Trace& t, int i) {
     if (n.op == Op::Decision) return line + " = " + formula(t, i, false);
     if (!n.leaf()) {
         const std::string names = formula(t, i, false), numbers = formula(t, i, true);
-        if (!n.named()) return names + " = " + numbers + " = " + formatNumber(n.value);
+        const std::string value = valueText(n);
+        if (!n.named()) return names + " = " + numbers + " = " + value;
         line += " = " + names;
         if (numbers != names) line += " = " + numbers;
-        if (n.op != Op::Copy || numbers != formatNumber(n.value)) line += " = " + formatNumber(n.value);
+        if (n.op != Op::Copy || numbers != value) line += " = " + value;
         return line;
     }
     if (n.op == Op::Constant && n.source() == "0") return line;
-    return line + " = " + formatNumber(n.value);
+    return line + " = " + valueText(n);
 }
 
 std::string explainText(const Trace& t, int node, int depth) {

@@ -17,13 +17,14 @@ double MadadOfDate(const MadadLookup& madad, Date date) { return madad.GetMadad(
 // The interest and linkage of the balance to a date (no date: today).
 template <bool On>
 void Ribit(const Tracer<On>& t, sheets::CMain& m, Date date, const ConstDoch& c, const MadadLookup& madad, Date today) {
-    if (date.isNull()) date = today;
+    const bool chosen = !date.isNull();
+    if (!chosen) date = today;
     const Date start = c.RIBITBASICDATE();
     t.who(0);
-    const auto day = t.today(date);
+    const auto day = chosen ? t.chosenDate(date) : t.today(date);
     t.set(m.RibitDate, "", day);
     t.set(m.ItraDate, "", day);
-    const auto D = t.name("ימים מתחילת הריבית", day - t.k("RIBITBASICDATE", static_cast<double>(start.serial())));
+    const auto D = t.name("ימים מתחילת הריבית", day - t.kDate("RIBITBASICDATE", start));
     const auto B = t(m.MasLetashlumTTL);
     const auto I = t.name("ריבית", R(D / t.k("RIBIT_DAYS", static_cast<double>(c.RIBIT_DAYS())) * (B * K(RIBIT_RATE))));
     const Date now = MadadMonth(date), then = MadadMonth(start);

@@ -15,7 +15,7 @@ void Calculation<On>::PublishResults() {
     PublishZikuim();
     PublishTashlumim();
     PublishMain();
-    Ribit(t, out.Main, Date(), c, madad, today);
+    Ribit(t, out.Main, interestDate, c, madad, today);
     CalcBLM();
     CalcBLF();
 }

@@ -372,7 +372,23 @@ int Recorder::newConstant(const char* name, double value) {
 
 int Recorder::today(double value) {
     int i;
-    add(Op::Today, value, i).source_ = "today";
+    Node& n = add(Op::Today, value, i);
+    n.source_ = "today";
+    n.date = true;
+    return i;
+}
+
+int Recorder::chosenDate(double value) {
+    int i;
+    Node& n = add(Op::Today, value, i);
+    n.source_ = "interestDate";
+    n.date = true;
+    return i;
+}
+
+int Recorder::dateConstant(const char* name, double value) {
+    const int i = constant(name, value);
+    t_.nodes[static_cast<std::size_t>(i)].date = true;
     return i;
 }
 
@@ -440,6 +456,7 @@ int Recorder::copyOf(int node, const char* caption, const char* rule, const char
     copy.rule_ = rule;
     copy.source_ = source;
     copy.spouse = spouse;
+    copy.date = t_.at(node).date;
     copy.kids_[0] = node;
     copy.count = 1;
     return i;

@@ -21,7 +21,7 @@ enum class Op {
     Line,      // a field of the report
     Constant,  // a figure of the tax year
     Madad,     // a price index value
-    Today,     // the date taken for today (as its day number)
+    Today,     // the date taken for today, or the one chosen for the interest (as its day number)
     Untraced,  // a figure whose rule records no explanation yet
     // Operations; their value follows from their children's values.
     Sum,         // c0 + c1 + ...
@@ -49,6 +49,7 @@ struct Node {
     // 0: the filing tests before the runs; 1, 2: the runs in order. The joint
     // run made again after a comparison repeats the first and records nothing.
     std::uint8_t run = 0;
+    bool date = false;  // the value is a day number, shown as a date
 
     // The cell's caption on its sheet, the report line's caption, a filing mode's title.
     std::string_view caption() const { return text(caption_); }

@@ -69,6 +69,8 @@ public:
         return c.name == name && t_.at(c.node).value == value ? c.node : newConstant(name, value);
     }
     int today(double value);                      // the date taken for today, as its day number
+    int chosenDate(double value);                 // a date the user chose for the interest
+    int dateConstant(const char* name, double value);  // a date of the year, as its day number
     int madad(Date month, double value);          // the price index of a month
     int op(trace::Op op, double value, int a, int b = -1);
     // a + b where a is a sum nothing else holds: b joins a's terms.
@@ -323,6 +325,10 @@ public:
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
     TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->today(d.serial()) : -1}; }
+    TD chosenDate(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->chosenDate(d.serial()) : -1}; }
+    TD kDate(const char* name, Date d) const {
+        return {static_cast<double>(d.serial()), rec ? rec->dateConstant(name, d.serial()) : -1};
+    }
     TD madad(Date month, double v) const { return {v, rec ? rec->madad(month, v) : -1}; }
     // A part of a date of the report (its year, its month) as a figure.
     TD datePart(const Date& d, const char* part, int value) const {
@@ -372,6 +378,8 @@ public:
     void set(double& dst, const char*, double x) const { dst = x; }
     void set(Date& dst, const char*, double x) const { dst = Date::fromSerial(static_cast<std::int32_t>(x)); }
     double today(Date d) const { return d.serial(); }
+    double chosenDate(Date d) const { return d.serial(); }
+    double kDate(const char*, Date d) const { return d.serial(); }
     double madad(Date, double v) const { return v; }
     double datePart(const Date&, const char*, int value) const { return value; }
     Amount name(const char*, Amount x) const { return x; }

@@ -89,9 +89,11 @@ void ExplainPanel::explain(const NishumInput& report, const ConstDoch& c, const 
     const std::string sheetName = allSheets()[static_cast<std::size_t>(sheet) - 1].name;
     const std::string id = sheetName + "." + field.toStdString();
     QString caption = cellCaption(sheet, field);
+    // The balance carried to the date on show, when one was chosen there.
+    const Date interestDate = shown && shown->Main.RibitDate != today ? shown->Main.RibitDate : Date();
     CalcResult result;
     try {
-        result = CalcDoch(report, c, madad, today, trace_.get());
+        result = CalcDoch(report, c, madad, today, trace_.get(), interestDate);
     } catch (const OverflowError&) {
         trace_->clear();
         mode_->setText(QStringLiteral("לא ניתן לחשב את הדו\"ח: אחד הסכומים חורג מהטווח המותר."));
@@ -110,12 +112,6 @@ void ExplainPanel::explain(const NishumInput& report, const ConstDoch& c, const 
         caption = q(trace_->name(node));
         root = addNode(nullptr, node);
         root->setExpanded(true);
-        if (onShow != trace_->at(node).value) {
-            // The interest worked out again for another date on the summary.
-            auto* note = new QTreeWidgetItem(tree_);
-            note->setText(0, QStringLiteral("על המסך: ") + valueText + QStringLiteral(" (לפי תאריך הריבית שנבחר)"));
-            note->setData(0, kNodeRole, -1);
-        }
     } else {
         // A row the run left empty, or a figure whose rule records nothing.
         root = new QTreeWidgetItem(tree_);

@@ -37,8 +37,8 @@ public:
 
     // Works the report out again, recording how, and shows the cell's tree.
     // The figures are those of the results on show when the arguments are
-    // theirs; `shown` (the sheets on show) gives the value of a cell that has
-    // no explanation, and of one the interest date has changed since.
+    // theirs; `shown` (the sheets on show) gives the interest date chosen on
+    // the summary, and the value of a cell that has no explanation.
     void explain(const NishumInput& report, const ConstDoch& c, const MadadLookup& madad, Date today, SheetId sheet,
                  const QString& field, const NishumOutput* shown = nullptr);
 

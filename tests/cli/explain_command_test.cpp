@@ -69,6 +69,20 @@ TEST_F(ExplainCommand, JsonTreeCarriesEveryValueAndAddsUp) {
     EXPECT_FALSE(doc["filing"]["children"].empty());
 }
 
+TEST_F(ExplainCommand, DatesReadAsDates) {
+    const CliRun r = explain({"CMain.Ribit"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    // The days of interest: today less the day the interest starts, both as dates.
+    EXPECT_NE(r.out.find("ימים מתחילת הריבית = היום − קבוע RIBITBASICDATE = 30/06/2016 − 31/12/2015 = 182"),
+              std::string::npos)
+        << r.out;
+    const CliRun data = explain({"CMain.RibitDate", "--json"});
+    ASSERT_EQ(data.status, 0) << data.err;
+    const json root = json::parse(data.out)["tree"];
+    EXPECT_EQ(root["date"], "2016-06-30");
+    EXPECT_EQ(root["value"].get<double>(), 42551);  // the day number stays the value
+}
+
 TEST_F(ExplainCommand, UnknownCellsAndDepthsAreRefused) {
     struct Case {
         std::vector<std::string> args;

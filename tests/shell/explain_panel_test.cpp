@@ -168,11 +168,14 @@ TEST_F(ExplainPanelTest, TheBalanceForAnotherInterestDateIsTheOneOnShow) {
     ASSERT_NE(balance, nullptr);
     QTest::keyClick(balance, Qt::Key_F1);
     ASSERT_NE(window_->explainPanel(), nullptr);
-    QTreeWidget* tree = window_->explainPanel()->tree();
-    const QString shown = QString::fromStdString(trace::formatNumber(onShow));
-    bool found = false;
-    for (int i = 0; i < tree->topLevelItemCount(); ++i) found = found || tree->topLevelItem(i)->text(0).contains(shown);
-    EXPECT_TRUE(found) << shown.toStdString();
+    // The explanation is the one of the balance on show, carried to the date chosen.
+    const QString root = window_->explainPanel()->tree()->topLevelItem(0)->text(0);
+    EXPECT_TRUE(root.endsWith(QStringLiteral(" = ") + QString::fromStdString(trace::formatNumber(onShow))))
+        << root.toStdString();
+    window_->explainCell(SheetId::CMain, QStringLiteral("ItraDate"));
+    EXPECT_TRUE(window_->explainPanel()->tree()->topLevelItem(0)->text(0).endsWith(
+        QStringLiteral("תאריך הריבית שנבחר = 31/12/2017")))
+        << window_->explainPanel()->tree()->topLevelItem(0)->text(0).toStdString();
 }
 
 TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
