@@ -100,13 +100,18 @@ public:
             ++slot;
         }
     }
-    // Every shown detail row of a block, each on its own line.
+    // Every shown detail row of a block, each on its own line. `tail`: how far
+    // below the last row the block's total and its rules reach; the last row
+    // stands on their page, so that no rule or total opens a page alone.
     template <class Fn>
-    void details(int block, Fn&& printRow) {
-        for (const SheetRow* r : shownRows(out_, sheet_, params_, block, true)) {
-            printRow(*r);
+    void details(int block, Fn&& printRow, float tail) {
+        const auto rows = shownRows(out_, sheet_, params_, block, true);
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (i + 1 == rows.size()) p_.KeepLines(1 + tail);
+            printRow(*rows[i]);
             p_.NextLine(1);
         }
+        p_.KeepLines(tail);
     }
 
     ClsPrint& p_;
@@ -124,6 +129,8 @@ void printMain(SheetPrinter& s) {
     for (const SheetRow* row : shownRows(s.out_, SheetId::CMain, s.params_, 0, false)) {
         const SheetRow& r = *row;
         const std::string_view key = r.key;
+        if (key == "HachnasaNet" || key == "MasLetashlum" || key == "Ribit" || key == "Itra")
+            p.KeepLines(1);  // the rule under the row stands on its page
         if (*r.lineNumber) p.PrintString(40, QString::fromUtf8(r.lineNumber), false);
         p.PrintString(r.paperColumn, s.caption(r), false);
         for (int slot = 0; slot < 3; ++slot)
@@ -146,7 +153,7 @@ void printHachnasot(SheetPrinter& s) {
     if (s.value("TTLM") == 0 && s.value("TTLF") == 0) return p.NextLine(-3);
     s.title();
     s.heads();
-    s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 65}); });
+    s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 65}); }, 2.5);
     p.NextLine(1);
     s.rules({{40, 50}, {65, 75}}, 1);
     p.NextLine(0.5);
@@ -169,7 +176,10 @@ void printNikuim(SheetPrinter& s) {
     s.title();
     s.heads();
     const std::initializer_list<double> cols = {35, 45, 60, 70};
-    s.details(0, [&](const SheetRow& r) { s.cells(r, cols); });
+    float tail = 2;  // the rule, the first total, the closing rule
+    for (const char* key : {"Pachot", "TTL2", "TTL0"}) tail += s.shown(s.row(key)) ? 1 : 0;
+    if (s.shown(s.row("TTL3"))) tail += 2;
+    s.details(0, [&](const SheetRow& r) { s.cells(r, cols); }, tail);
     s.rules({{45, 55}, {70, 80}}, 1);
     p.NextLine(1);
     s.cells(s.row("TTL1"), cols);
@@ -200,7 +210,7 @@ void printHishuv(SheetPrinter& s) {
         s.cells(r, {10, 30, 50, 70}, false);
         p.PrintString(20, rateText, false);
         p.PrintString(60, rateText, false);
-    });
+    }, 1.5);
     s.rules({{10, 20}, {30, 40}, {50, 60}, {70, 80}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTL"), {10, 30, 50, 70});
@@ -243,13 +253,13 @@ void printMeyuchad(SheetPrinter& s) {
             if (!t[i].isEmpty()) p.PrintString(cols[i], t[i], false);
     };
     s.heads(0);
-    s.details(0, row);
+    s.details(0, row, 0.5);
     s.rules({{55, 65}, {75, 85}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTLM"), {0, 0, 55, 0, 75});
     p.NextLine(1.5);
     s.heads(1);
-    s.details(1, row);
+    s.details(1, row, 0.5);
     s.rules({{55, 65}, {75, 85}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTLF"), {0, 0, 55, 0, 75});
@@ -292,12 +302,13 @@ void printZikuim(SheetPrinter& s) {
         const auto t = texts(r);
         for (std::size_t i = 0; i < t.size(); ++i)
             if (!t[i].isEmpty()) p.PrintString(pointCols[i], t[i], false);
-    });
+    }, 0);
     p.NextLine(1);
     s.heads(1);
     const std::initializer_list<double> cols = {19, 27, 37, 40, 52, 62, 72, 75};
-    s.details(1, [&](const SheetRow& r) { s.cells(r, cols); });
-    if (s.shown(s.row("ODEF"))) {
+    const bool odef = s.shown(s.row("ODEF"));
+    s.details(1, [&](const SheetRow& r) { s.cells(r, cols); }, odef ? 2.5f : 1.5f);
+    if (odef) {
         s.cells(s.row("ODEF"), cols);
         p.NextLine(1);
     }
@@ -313,7 +324,7 @@ void printTashlumim(SheetPrinter& s) {
     if (s.value("TTL") == 0) return p.NextLine(-3);
     s.title();
     s.heads();
-    s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 55, 70}); });
+    s.details(0, [&](const SheetRow& r) { s.cells(r, {40, 55, 70}); }, 1.5);
     s.rules({{40, 50}, {55, 65}, {70, 80}}, 1);
     p.NextLine(0.5);
     s.cells(s.row("TTL"), {40, 55, 70});
@@ -333,7 +344,7 @@ void printBL(SheetPrinter& s) {
         } else {
             s.cells(r, cols);
         }
-    });
+    }, 2);
     s.rules({{35, 45}, {47, 57}, {63, 73}, {75, 85}}, 1);
     p.NextLine(1);
     s.cells(s.row("TOTAL"), cols);

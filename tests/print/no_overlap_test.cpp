@@ -1,9 +1,12 @@
 // No text printed over text: the results and the report of many generated
 // reports are printed and read back word by word with their boxes; no two
-// words of a page may touch, and no heading may stand alone at the foot of a page.
+// words of a page may touch, no heading may stand alone at the foot of a page,
+// and no rule may open a page above its text.
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QPaintEngine>
+#include <QPaintDevice>
 #include <QSet>
 #include <QTemporaryDir>
 #include <map>
@@ -140,6 +143,89 @@ void expectNoHeadingAtTheFoot(const std::vector<PdfWord>& words, const QString& 
     }
 }
 
+// Pages that record where their texts and rules are drawn, top to bottom.
+struct Drawn {
+    bool rule;
+    double y;
+};
+struct RecordedPage {
+    bool headed = false;  // the first page of a job, under the page head
+    std::vector<Drawn> drawn;
+};
+
+class RecordingEngine final : public QPaintEngine {
+public:
+    RecordingEngine() : QPaintEngine(QPaintEngine::AllFeatures) {}
+    std::vector<RecordedPage> pages{1};
+    bool begin(QPaintDevice*) override { return true; }
+    bool end() override { return true; }
+    void updateState(const QPaintEngineState&) override {}
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+    void drawLines(const QLineF* lines, int count) override {
+        for (int i = 0; i < count; ++i) pages.back().drawn.push_back({true, std::min(lines[i].y1(), lines[i].y2())});
+    }
+    void drawTextItem(const QPointF& at, const QTextItem&) override { pages.back().drawn.push_back({false, at.y()}); }
+    Type type() const override { return QPaintEngine::User; }
+};
+
+// A4 at 300 dots an inch.
+class RecordingTarget final : public PrintTarget, public QPaintDevice {
+public:
+    RecordingEngine engine;
+    QPaintEngine* paintEngine() const override { return const_cast<RecordingEngine*>(&engine); }
+    int metric(PaintDeviceMetric m) const override {
+        switch (m) {
+            case PdmWidth: return 2300;
+            case PdmHeight: return 3300;
+            case PdmWidthMM: return 195;
+            case PdmHeightMM: return 280;
+            case PdmDpiX: case PdmDpiY: case PdmPhysicalDpiX: case PdmPhysicalDpiY: return 300;
+            case PdmDepth: return 32;
+            case PdmNumColors: return 1 << 24;
+            case PdmDevicePixelRatio: return 1;
+            case PdmDevicePixelRatioScaled: return static_cast<int>(QPaintDevice::devicePixelRatioFScale());
+            default: return 0;
+        }
+    }
+    QPainter* beginJob(QString*) override {
+        engine.pages.back().headed = true;
+        painter_.begin(this);
+        return &painter_;
+    }
+    void newPage() override { engine.pages.emplace_back(); }
+    void endJob() override {
+        painter_.end();
+        engine.pages.emplace_back();
+    }
+
+private:
+    QPainter painter_;
+};
+
+// The first thing of a page is text: a rule above every text of the page
+// belongs to the page before. On the first page of a job that is under the
+// page head (its rule, then the taxpayer's name, underlined, two lines deep).
+void expectNoRuleOpensAPage(const RecordingEngine& e, const QString& what) {
+    constexpr double kLine = 300.0 / 6;  // a line is a sixth of an inch
+    for (std::size_t page = 0; page < e.pages.size(); ++page) {
+        const auto& drawn = e.pages[page].drawn;
+        if (drawn.empty()) continue;  // the page a job leaves after its end
+        double top = -1;
+        if (e.pages[page].headed) {
+            const auto head = std::ranges::find_if(drawn, [](const Drawn& d) { return d.rule; });
+            if (head == drawn.end()) continue;
+            top = head->y + 2.5 * kLine;
+        }
+        double firstText = 1e9, firstRule = 1e9;
+        for (const Drawn& d : drawn) {
+            if (d.y < top) continue;
+            double& first = d.rule ? firstRule : firstText;
+            first = std::min(first, d.y);
+        }
+        EXPECT_GT(firstRule, firstText) << what.toStdString() << ": a rule opens page " << page + 1;
+    }
+}
+
 }  // namespace
 
 TEST(NoTextOverText, ResultsAndReportsOfGeneratedReports) {
@@ -170,6 +256,11 @@ TEST(NoTextOverText, ResultsAndReportsOfGeneratedReports) {
         expectNoWordsTouch(sections, tag + " sections");
         expectNoHeadingAtTheFoot(sheets, tag + " sheets");
         expectNoHeadingAtTheFoot(sections, tag + " sections");
+        for (const bool bl : {false, true}) {
+            RecordingTarget pages;
+            ASSERT_TRUE(PrintNishum(pages, setup, report, r.out, false, bl));
+            expectNoRuleOpensAPage(pages.engine, tag + (bl ? " insurance" : " sheets"));
+        }
         ++n;
     }
 }
