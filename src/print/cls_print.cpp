@@ -13,9 +13,6 @@
 namespace zelmor {
 namespace {
 
-// The maker's telephone number on the program line of the head.
-constexpr const char* kMakerPhone = "03-0000000";
-// The three numbers of the build's version record.
 
 constexpr double kTwipsPerInch = 1440;
 constexpr double kColumnTwips = 120;

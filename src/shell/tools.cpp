@@ -8,13 +8,11 @@
 #include <QStandardPaths>
 #include <QUrl>
 
+#include "core/version.h"
 #include "shell/messages.h"
 
 namespace zelmor::shell::tools {
 namespace {
-
-// The program's address until the installation sets its own.
-constexpr const char* kDefaultWebSite = "https://zelmor.example/";
 
 QVariant setting(const char* key, const QVariant& fallback = {}) {
     return QSettings(QStringLiteral("Zelmor"), QStringLiteral("Zelmor")).value(QLatin1String(key), fallback);
@@ -22,7 +20,8 @@ QVariant setting(const char* key, const QVariant& fallback = {}) {
 
 }  // namespace
 
-QString webSiteAddress() { return setting("app/webSite", QLatin1String(kDefaultWebSite)).toString().trimmed(); }
+// The maker's web site unless the installation sets its own.
+QString webSiteAddress() { return setting("app/webSite", QLatin1String(kWebSite)).toString().trimmed(); }
 
 QString updateAddress() { return setting("tables/updateAddress").toString().trimmed(); }
 
