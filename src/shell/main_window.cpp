@@ -491,7 +491,8 @@ void MainWindow::offerDraft() {
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     if (!takeScreen()) return;
-    switch (askQuestion(this, u(kExitTitle), u(kExitText), QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
+    switch (askQuestion(this, u(kExitTitle), u(kExitText), QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+                        QMessageBox::Yes, MsgIcon::Information)) {
         case QMessageBox::Yes:
             if (!saveReport()) return;  // nothing is lost: the user stays with the report
             break;

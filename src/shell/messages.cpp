@@ -39,15 +39,15 @@ void showMessage(QWidget* parent, MsgIcon icon, const QString& title, const QStr
 
 QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title, const QString& text,
                                         QMessageBox::StandardButtons buttons,
-                                        QMessageBox::StandardButton defaultButton) {
+                                        QMessageBox::StandardButton defaultButton, MsgIcon icon) {
     if (gRecorder) {
-        gRecorder->shown.push_back({MsgIcon::Question, title, text});
+        gRecorder->shown.push_back({icon, title, text});
         if (gRecorder->answers.empty()) return QMessageBox::Yes;
         auto answer = gRecorder->answers.front();
         gRecorder->answers.erase(gRecorder->answers.begin());
         return answer;
     }
-    return runBox(parent, MsgIcon::Question, title, text, buttons, defaultButton);
+    return runBox(parent, icon, title, text, buttons, defaultButton);
 }
 
 MessageRecorder::MessageRecorder() { gRecorder = this; }

@@ -25,7 +25,8 @@ void showMessage(QWidget* parent, MsgIcon icon, const QString& title, const QStr
 // Returns the button chosen (Cancel or No for Esc, as the box decides).
 QMessageBox::StandardButton askQuestion(QWidget* parent, const QString& title, const QString& text,
                                         QMessageBox::StandardButtons buttons,
-                                        QMessageBox::StandardButton defaultButton = QMessageBox::Yes);
+                                        QMessageBox::StandardButton defaultButton = QMessageBox::Yes,
+                                        MsgIcon icon = MsgIcon::Question);
 
 // For tests: while a recorder is installed no box opens; each message is
 // appended to `shown` and each question gets the next of `answers` (Yes when
