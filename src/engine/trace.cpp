@@ -370,18 +370,10 @@ int Recorder::newConstant(const char* name, double value) {
     return i;
 }
 
-int Recorder::today(double value) {
+int Recorder::day(const char* source, double value) {
     int i;
     Node& n = add(Op::Today, value, i);
-    n.source_ = "today";
-    n.date = true;
-    return i;
-}
-
-int Recorder::chosenDate(double value) {
-    int i;
-    Node& n = add(Op::Today, value, i);
-    n.source_ = "interestDate";
+    n.source_ = source;
     n.date = true;
     return i;
 }

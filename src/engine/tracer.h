@@ -68,8 +68,9 @@ public:
         const ConstantSlot& c = constants_[constantPlace(name)];
         return c.name == name && t_.at(c.node).value == value ? c.node : newConstant(name, value);
     }
-    int today(double value);                      // the date taken for today, as its day number
-    int chosenDate(double value);                 // a date the user chose for the interest
+    // The date taken for today ("today") or the one chosen for the interest
+    // ("interestDate"), as its day number.
+    int day(const char* source, double value);
     int dateConstant(const char* name, double value);  // a date of the year, as its day number
     int madad(Date month, double value);          // the price index of a month
     int op(trace::Op op, double value, int a, int b = -1);
@@ -324,8 +325,8 @@ public:
         dst = Date::fromSerial(static_cast<std::int32_t>(x.v));
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
-    TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->today(d.serial()) : -1}; }
-    TD chosenDate(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->chosenDate(d.serial()) : -1}; }
+    TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->day("today", d.serial()) : -1}; }
+    TD chosenDate(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->day("interestDate", d.serial()) : -1}; }
     TD kDate(const char* name, Date d) const {
         return {static_cast<double>(d.serial()), rec ? rec->dateConstant(name, d.serial()) : -1};
     }
