@@ -170,8 +170,8 @@ struct Catalogue {
         for (std::size_t i = 0; i < fields.size(); ++i) {
             cellOffset.push_back(at(&out, fields[i].address(out)));
             const Cell& c = cells[i];
-            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {c.source.c_str(),
-                                                                         c.caption.empty() ? nullptr : c.caption.c_str()};
+            const char* caption = c.caption.empty() ? nullptr : c.caption.c_str();
+            cellAt[static_cast<std::size_t>(cellOffset.back()) / 4] = {c.source.c_str(), caption};
         }
     }
 };
@@ -396,8 +396,8 @@ int Recorder::madad(Date month, double value) {
     const int y = month.year();
     int i;
     Node& n = add(Op::Madad, value, i);
-    n.source_ = y >= kFirst && y <= kLast ? names[static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1)].c_str()
-                                          : "madad";
+    const auto at = static_cast<std::size_t>((y - kFirst) * 12 + month.month() - 1);
+    n.source_ = y >= kFirst && y <= kLast ? names[at].c_str() : "madad";
     return i;
 }
 

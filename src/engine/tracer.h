@@ -326,7 +326,9 @@ public:
         if (x.n >= 0) rec->bind(&dst, x.n, name);
     }
     TD today(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->day("today", d.serial()) : -1}; }
-    TD chosenDate(Date d) const { return {static_cast<double>(d.serial()), rec ? rec->day("interestDate", d.serial()) : -1}; }
+    TD chosenDate(Date d) const {
+        return {static_cast<double>(d.serial()), rec ? rec->day("interestDate", d.serial()) : -1};
+    }
     TD kDate(const char* name, Date d) const {
         return {static_cast<double>(d.serial()), rec ? rec->dateConstant(name, d.serial()) : -1};
     }
