@@ -1,5 +1,5 @@
 // zelmor-cli check as a script sees it: documents on standard output, messages
-// on standard error, the exit status the highest met.
+// on standard error, the exit status the highest met; and update-tables.
 
 #include <gtest/gtest.h>
 
@@ -48,35 +48,6 @@ TEST(CheckCommand, SeveralFilesGiveOneLineEachAndAMissingFileIsAnEnvironmentFail
     EXPECT_EQ(json::parse(out[1])["error"]["kind"], "environment");
     EXPECT_NE(run.err.find("missing.json: cannot read"), std::string::npos) << run.err;
 }
-
-TEST(CheckCommand, OneFileIsPrintedIndentedAndReadsBackTheSame) {
-    const std::string dir = freshTempDir("check-one");
-    writeFile(dir + "/r.json", kHead + R"(,"Pratim":{"LastNameM":"כהן"}})");
-    const CliRun first = runCli({"check", "r.json"}, {}, dir);
-    ASSERT_EQ(first.status, 0) << first.err;
-    EXPECT_TRUE(first.out.starts_with("{\n  \"format\": \"zelmor-report\",\n")) << first.out;
-    EXPECT_TRUE(first.err.empty());
-
-    writeFile(dir + "/n.json", first.out);
-    const CliRun second = runCli({"check", "n.json"}, {}, dir);
-    EXPECT_EQ(second.status, 0);
-    EXPECT_EQ(second.out, first.out);
-}
-
-TEST(CheckCommand, UsageMistakesExitWithTwo) {
-    for (const std::vector<std::string>& args : {std::vector<std::string>{"check"}, {"check", "--bogus", "a.json"}}) {
-        const CliRun run = runCli(args);
-        EXPECT_EQ(run.status, 2);
-        EXPECT_TRUE(run.out.empty());
-        EXPECT_NE(run.err.find("usage: zelmor-cli check"), std::string::npos) << run.err;
-    }
-}
-
-}  // namespace
-}  // namespace zelmor::test
-
-namespace zelmor::test {
-namespace {
 
 TEST(UpdateTablesCommand, AFailedDownloadKeepsTheTableAndFails) {
     const std::string dir = freshTempDir("update-tables");

@@ -53,11 +53,29 @@ int waitFor(pid_t pid);
 // The worker program of the process tests.
 std::string helperPath();
 
+// The kind of the StorageError that fn throws; None when it throws none.
+template <class Fn>
+StoreError thrownKind(Fn&& fn) {
+    try {
+        fn();
+    } catch (const StorageError& e) {
+        return e.kind();
+    }
+    return StoreError::None;
+}
+
 class StorageTest : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override;
     bool sqlite() const { return GetParam() == "sqlite"; }
     long long count(const std::string& sql) { return std::stoll("0" + db_->queryScalar(sql)); }
+    // The stored report of this id; a failure to open it fails the test.
+    NishumInput load(const std::string& id) {
+        NishumInput r;
+        const StoreOutcome out = db_->openNishum(id, r);
+        EXPECT_TRUE(out.ok) << id << ": " << out.detail;
+        return r;
+    }
 
     TempDir dir_;
     std::string location_;
