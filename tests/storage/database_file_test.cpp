@@ -110,7 +110,7 @@ TEST_P(DatabaseFileTest, TheRollbackJournalLetsAReadOnlyFolderBeRead) {
         args.insert(args.begin(), zelmor::test::cliPath());
         if (geteuid() == 0) args.insert(args.begin(), {"runuser", "-u", "nobody", "--"});
         fs::remove(log);
-        const int status = waitFor(spawnProgram(args, log));
+        const int status = waitFor(spawnProgram(args, {{}, {}, log, log}));
         return std::make_pair(status, readFile(log));
     };
     const auto [listed, listText] = run({"list", "--db", location_, "--sort", "id"});

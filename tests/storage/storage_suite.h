@@ -6,12 +6,12 @@
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/cli_runner.h"
 #include "storage/report_db.h"
 #include "storage/report_pattern.h"
 
@@ -44,11 +44,8 @@ private:
     int databases_ = 0;
 };
 
-// Starts a program (looked up on PATH), its output appended to log when one is
-// given; its process id, or -1.
-pid_t spawnProgram(std::vector<std::string> args, const std::string& log = {});
-// The exit status of a child; -signal when a signal ended it, -1000 for no child.
-int waitFor(pid_t pid);
+using zelmor::test::spawnProgram;
+using zelmor::test::waitFor;
 
 // The worker program of the process tests.
 std::string helperPath();
