@@ -10,8 +10,6 @@
 namespace zelmor::storage::testing {
 namespace fs = std::filesystem;
 
-std::string helperPath() { return std::string(ZELMOR_BINARY_DIR) + "/bin/storage_helper"; }
-
 namespace {
 
 // The bin folder of the newest PostgreSQL installed, or "".
@@ -29,27 +27,27 @@ std::vector<std::string> asServerUser(std::vector<std::string> args) {
     return args;
 }
 
-}  // namespace
-
-void StorageTest::SetUp() {
-    // The Qt application object that the SQL plug-ins need.
-    static int argc = 1;
-    static char name[] = "storage_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
-    if (GetParam() == "postgresql") {
-        if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot();
-        location_ = PgServer::instance().freshDatabase();
-    } else {
-        location_ = dir_.path() + "/2015/D2015.BRK";
+// The throwaway PostgreSQL server, started on first use, that listens on a socket
+// of its own folder only. available() is false (with the reason in whyNot_) when
+// PostgreSQL is not installed or does not start; tests then skip.
+class PgServer {
+public:
+    static PgServer& instance() {
+        static PgServer server;
+        return server;
     }
-    db_ = std::make_unique<ReportDb>(location_);
-}
+    ~PgServer() { stop(); }
+    bool available();
+    // A new empty database on the server, as a connection URI.
+    std::string freshDatabase();
+    void stop();
+    std::string whyNot_;
 
-PgServer& PgServer::instance() {
-    static PgServer server;
-    return server;
-}
+private:
+    bool tried_ = false, running_ = false;
+    std::string dir_, binDir_;
+    int databases_ = 0;
+};
 
 bool PgServer::available() {
     if (tried_) return running_;
@@ -100,6 +98,23 @@ void PgServer::stop() {
         fs::remove_all(dir_, ec);
         dir_.clear();
     }
+}
+
+}  // namespace
+
+void StorageTest::SetUp() {
+    // The Qt application object that the SQL plug-ins need.
+    static int argc = 1;
+    static char name[] = "storage_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
+    if (GetParam() == "postgresql") {
+        if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot_;
+        location_ = PgServer::instance().freshDatabase();
+    } else {
+        location_ = dir_.path() + "/2015/D2015.BRK";
+    }
+    db_ = std::make_unique<ReportDb>(location_);
 }
 
 }  // namespace zelmor::storage::testing

@@ -9,7 +9,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "cli/cli_runner.h"
 #include "storage/report_db.h"
@@ -23,32 +22,8 @@ struct TempDir {
     std::string path() const { return dir.path().toStdString(); }
 };
 
-// The throwaway PostgreSQL server, started on first use. available() is false
-// (with the reason in whyNot()) when PostgreSQL is not installed or does not
-// start; tests then skip.
-class PgServer {
-public:
-    static PgServer& instance();
-    ~PgServer() { stop(); }
-    bool available();
-    const std::string& whyNot() const { return whyNot_; }
-    // A new empty database on the server, as a connection URI.
-    std::string freshDatabase();
-    void stop();
-
-private:
-    bool tried_ = false;
-    bool running_ = false;
-    std::string whyNot_;
-    std::string dir_, binDir_;
-    int databases_ = 0;
-};
-
 using zelmor::test::spawnProgram;
 using zelmor::test::waitFor;
-
-// The worker program of the process tests.
-std::string helperPath();
 
 // The kind of the StorageError that fn throws; None when it throws none.
 template <class Fn>
