@@ -1,6 +1,7 @@
 // zelmor-cli as scripts meet it: the words of its messages, its exit statuses,
 // the id on every result line, the forms standard input may take, and a full
-// standard output.
+// standard output. Documents go to standard output, messages to standard error,
+// and the exit status is the highest met.
 
 #include <gtest/gtest.h>
 
@@ -42,8 +43,9 @@ TEST_F(CliCommands, AFullStandardOutputIsAFailureOfEveryCommand) {
         {"calc", "--help"},
     };
     for (const auto& args : commands) {
+        SCOPED_TRACE(testing::PrintToString(args));
         const CliRun run = runCli(args, readFile(single), {}, "/dev/full");
-        EXPECT_EQ(run.status, 1) << args[0] << " " << args[1];
+        EXPECT_EQ(run.status, 1);
         if (args[0] != "--help") {
             EXPECT_NE(run.err.find("zelmor-cli " + args[0] + ": cannot write to standard output"), std::string::npos)
                 << run.err;
@@ -77,11 +79,16 @@ TEST_F(CliCommands, MessagesSayWhatHappened) {
         {{"clac", "x.json"}, {}, 2, "unknown command 'clac'; did you mean 'calc'?"},
         {{"calc", "--tday", "2016-06-30", single}, {}, 2, "zelmor-cli calc: unknown option --tday\nusage: zelmor-cli calc"},
         {{"list", "--json=yes"}, {}, 2, "option --json takes no value"},
+        {{"check"}, {}, 2, "usage: zelmor-cli check"},
+        {{"check", "--bogus", "a.json"}, {}, 2, "zelmor-cli check: unknown option --bogus\nusage: zelmor-cli check"},
+        // A failed table update says how far the table it kept reaches.
+        {{"update-tables", "--url", "http://127.0.0.1:1/Madad.brk", "--data-dir", "data"}, {}, 1, "2026/08"},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.args));
         const CliRun run = runCli(c.args, c.stdinText, dir_);
-        EXPECT_EQ(run.status, c.status) << c.args[0] << " " << c.args[1] << "\n" << run.err;
-        EXPECT_NE(run.err.find(c.err), std::string::npos) << c.args[0] << " " << c.args[1] << "\n" << run.err;
+        EXPECT_EQ(run.status, c.status) << run.err;
+        EXPECT_NE(run.err.find(c.err), std::string::npos) << run.err;
     }
 }
 
@@ -144,6 +151,40 @@ TEST_F(CliCommands, EveryResultLineNamesItsReportWhenItIsKnown) {
     EXPECT_EQ(json::parse(out[1])["id"], "12345674");  // trimmed
     EXPECT_EQ(json::parse(out[1])["error"]["kind"], "input");
     EXPECT_FALSE(json::parse(out[2]).contains("id"));  // refused before the id was read
+}
+
+TEST_F(CliCommands, CheckGoesOnPastARefusedJsonLine) {
+    const std::string input = kHead + R"(,"Yegia":{"N150":1000}})" + "\n" +  //
+                              "\n" +                                                    // blank: skipped
+                              kHead + R"(,"Yegia":{"N15O":1000}})" + "\n" +           // refused
+                              kHead + ",}\n" +                                          // malformed
+                              kHead + R"(,"Yegia":{"N158":5}})" + "\r\n";
+    const CliRun run = runCli({"check", "-"}, input);
+    EXPECT_EQ(run.status, 2);
+
+    const auto out = lines(run.out);
+    ASSERT_EQ(out.size(), 4u) << run.out;
+    EXPECT_EQ(json::parse(out[0])["Yegia"]["TTLM"], 1000);
+    const json refused = json::parse(out[1]);
+    EXPECT_EQ(refused["format"], "zelmor-results");
+    EXPECT_EQ(refused["error"]["kind"], "input");
+    EXPECT_EQ(refused["error"]["message"],
+              "standard input, line 3: Yegia.N15O: unknown member; did you mean \"N150\"?");
+    const std::string malformed = json::parse(out[2])["error"]["message"];
+    EXPECT_TRUE(malformed.starts_with("standard input, line 4, column 51: malformed JSON (")) << malformed;
+    EXPECT_EQ(json::parse(out[3])["Yegia"]["TTLM"], 5);
+    EXPECT_NE(run.err.find("standard input, line 3: Yegia.N15O"), std::string::npos) << run.err;
+}
+
+TEST_F(CliCommands, SeveralFilesGiveOneLineEachAndAMissingFileIsAnEnvironmentFailure) {
+    writeFile(dir_ + "/a.json", kHead + "}");
+    const CliRun run = runCli({"check", "a.json", "missing.json", "a.json"}, {}, dir_);
+    EXPECT_EQ(run.status, 1);
+    const auto out = lines(run.out);
+    ASSERT_EQ(out.size(), 3u);
+    EXPECT_EQ(out[0], out[2]);
+    EXPECT_EQ(json::parse(out[1])["error"]["kind"], "environment");
+    EXPECT_NE(run.err.find("missing.json: cannot read"), std::string::npos) << run.err;
 }
 
 }  // namespace

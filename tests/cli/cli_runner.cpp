@@ -2,13 +2,16 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+
+extern char** environ;
 
 namespace zelmor::test {
 
@@ -44,42 +47,43 @@ std::vector<std::string> lines(const std::string& text) {
     return out;
 }
 
+pid_t spawnProgram(std::vector<std::string> args, const Redirects& io) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (!io.in.empty()) posix_spawn_file_actions_addopen(&actions, 0, io.in.c_str(), O_RDONLY, 0);
+    if (!io.out.empty()) posix_spawn_file_actions_addopen(&actions, 1, io.out.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+    if (!io.err.empty()) posix_spawn_file_actions_addopen(&actions, 2, io.err.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+    if (!io.workDir.empty()) posix_spawn_file_actions_addchdir_np(&actions, io.workDir.c_str());
+    std::vector<char*> argv;
+    for (auto& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    pid_t pid = 0;
+    const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return rc == 0 ? pid : -1;
+}
+
+int waitFor(pid_t pid) {
+    int status = 0;
+    if (pid <= 0) return -1000;
+    while (waitpid(pid, &status, 0) < 0)
+        if (errno != EINTR) return -1000;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
 CliRun runCli(const std::vector<std::string>& args, const std::string& stdinText, const std::string& workDir,
               const std::string& stdoutPath) {
     // Standard input and both outputs go through files: no pipe can fill up and stall.
     static int serial = 0;
     const std::string dir = freshTempDir("run" + std::to_string(++serial));
-    const std::string in = dir + "/stdin", out = stdoutPath.empty() ? dir + "/stdout" : stdoutPath,
-                      err = dir + "/stderr";
-    writeFile(in, stdinText);
-
+    const Redirects io{workDir, dir + "/stdin", stdoutPath.empty() ? dir + "/stdout" : stdoutPath, dir + "/stderr"};
+    writeFile(io.in, stdinText);
     std::vector<std::string> argv{cliPath()};
     argv.insert(argv.end(), args.begin(), args.end());
-    std::vector<char*> cargv;
-    for (auto& a : argv) cargv.push_back(a.data());
-    cargv.push_back(nullptr);
-
-    const pid_t pid = ::fork();
-    if (pid < 0) throw std::runtime_error("cannot start zelmor-cli");
-    if (pid == 0) {
-        if (!workDir.empty() && ::chdir(workDir.c_str()) != 0) ::_exit(126);
-        const int fin = ::open(in.c_str(), O_RDONLY);
-        const int fout = ::open(out.c_str(), O_WRONLY | O_CREAT | (stdoutPath.empty() ? O_TRUNC : 0), 0644);
-        const int ferr = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (fin < 0 || fout < 0 || ferr < 0) ::_exit(126);
-        ::dup2(fin, 0);
-        ::dup2(fout, 1);
-        ::dup2(ferr, 2);
-        ::execv(cargv[0], cargv.data());
-        ::_exit(127);
-    }
-    int wstatus = 0;
-    while (::waitpid(pid, &wstatus, 0) < 0 && errno == EINTR) {
-    }
     CliRun r;
-    r.status = WIFEXITED(wstatus) ? WEXITSTATUS(wstatus) : -1;
-    if (stdoutPath.empty()) r.out = readFile(out);
-    r.err = readFile(err);
+    r.status = std::max(waitFor(spawnProgram(argv, io)), -1);
+    if (stdoutPath.empty()) r.out = readFile(io.out);
+    r.err = readFile(io.err);
     fs::remove_all(dir);
     return r;
 }

@@ -1,6 +1,6 @@
-// Golden files: the real zelmor-cli is run over every report document of an
-// input folder and what it prints is compared with the expected file of the
-// same name. A sheet of sets below says which command runs over which folder.
+// Golden files: the real zelmor-cli runs over every report document of
+// tests/golden/reports, inside that folder, and what it prints is compared with
+// the expected file of the same name in tests/golden/<command>.
 //
 // To accept a changed output, run this test binary with the environment
 // variable ZELMOR_REGENERATE_GOLDEN=1: it then rewrites the expected files
@@ -26,52 +26,31 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One golden set: `zelmor-cli <command> FILE <extraArgs...>` for every *.json of
-// inputDir, run inside inputDir, against expectedDir/FILE. Folders are relative
-// to the source tree. In extraArgs, {tmp} stands for a fresh empty folder of the case.
-struct GoldenSet {
-    const char *command, *inputDir, *expectedDir;
-    std::vector<std::string> extraArgs;
-};
-
-const std::vector<GoldenSet> kSets = {
-    {"check", "tests/golden/reports", "tests/golden/check", {}},
-    {"calc", "tests/golden/reports", "tests/golden/calc", {"--today", "2016-06-30", "--data-dir", "{tmp}/data"}},
-};
+const std::string kGolden = ZELMOR_SOURCE_DIR "/tests/golden/";
+const char* const kCommands[] = {"check", "calc"};
 
 struct GoldenCase {
-    const GoldenSet* set;
-    std::string file;  // "couple.json"
+    std::string command, file;  // "calc", "couple.json"
 };
 
-void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.set->command << " " << c.set->inputDir << "/" << c.file; }
-
-std::string sourcePath(const std::string& rel) { return std::string(ZELMOR_SOURCE_DIR) + "/" + rel; }
+void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.command << " " << c.file; }
 
 std::vector<GoldenCase> goldenCases() {
+    std::vector<std::string> files;
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(kGolden + "reports", ec))
+        if (entry.path().extension() == ".json") files.push_back(entry.path().filename().string());
+    std::sort(files.begin(), files.end());
     std::vector<GoldenCase> cases;
-    for (const GoldenSet& set : kSets) {
-        std::vector<std::string> files;
-        std::error_code ec;
-        for (const auto& entry : fs::directory_iterator(sourcePath(set.inputDir), ec))
-            if (entry.is_regular_file() && entry.path().extension() == ".json")
-                files.push_back(entry.path().filename().string());
-        std::sort(files.begin(), files.end());
-        for (auto& f : files) cases.push_back({&set, f});
-    }
+    for (const char* command : kCommands)
+        for (const auto& f : files) cases.push_back({command, f});
     return cases;
 }
 
 std::string caseName(const testing::TestParamInfo<GoldenCase>& info) {
-    std::string name = std::string(info.param.set->command) + "_" + fs::path(info.param.file).stem().string();
-    for (char& c : name)
-        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+    std::string name = info.param.command + "_" + fs::path(info.param.file).stem().string();
+    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
     return name;
-}
-
-std::string expand(std::string arg, const std::string& tmp) {
-    if (const auto at = arg.find("{tmp}"); at != std::string::npos) arg.replace(at, 5, tmp);
-    return arg;
 }
 
 // The exit status that goes with an output: an error document carries its kind,
@@ -88,22 +67,20 @@ class Golden : public testing::TestWithParam<GoldenCase> {};
 TEST_P(Golden, OutputMatchesExpectedFile) {
     const GoldenCase& c = GetParam();
     const std::string tmp = freshTempDir(caseName({c, 0}));
-    std::vector<std::string> args{c.set->command, c.file};
-    for (const auto& a : c.set->extraArgs) args.push_back(expand(a, tmp));
-
-    const CliRun run = runCli(args, {}, sourcePath(c.set->inputDir));
-    const std::string expectedPath = sourcePath(std::string(c.set->expectedDir) + "/" + c.file);
+    std::vector<std::string> args{c.command, c.file};
+    if (c.command == "calc") args.insert(args.end(), {"--today", "2016-06-30", "--data-dir", tmp + "/data"});
+    const CliRun run = runCli(args, {}, kGolden + "reports");
+    const std::string expectedPath = kGolden + c.command + "/" + c.file;
 
     if (const char* v = std::getenv("ZELMOR_REGENERATE_GOLDEN"); v && std::string(v) == "1") {
-        fs::create_directories(fs::path(expectedPath).parent_path());
+        fs::create_directories(kGolden + c.command);
         writeFile(expectedPath, run.out);
         std::cout << "rewrote " << expectedPath << '\n';
     }
     ASSERT_TRUE(fs::exists(expectedPath))
         << expectedPath << " is missing; run with ZELMOR_REGENERATE_GOLDEN=1 to write it, then review it";
     const std::string expected = readFile(expectedPath);
-    EXPECT_EQ(run.out, expected) << "zelmor-cli " << c.set->command << " " << c.file << "\nstandard error:\n"
-                                 << run.err;
+    EXPECT_EQ(run.out, expected) << "zelmor-cli " << c.command << " " << c.file << "\nstandard error:\n" << run.err;
     EXPECT_EQ(run.status, expectedStatus(expected)) << run.err;
     fs::remove_all(tmp);
 }
@@ -112,12 +89,10 @@ INSTANTIATE_TEST_SUITE_P(Sets, Golden, testing::ValuesIn(goldenCases()), caseNam
 
 // An expected file without its input would never be compared again.
 TEST(GoldenSets, EveryExpectedFileHasItsInput) {
-    for (const GoldenSet& set : kSets) {
+    for (const char* command : kCommands) {
         std::error_code ec;
-        for (const auto& entry : fs::directory_iterator(sourcePath(set.expectedDir), ec)) {
-            const fs::path input = fs::path(sourcePath(set.inputDir)) / entry.path().filename();
-            EXPECT_TRUE(fs::exists(input)) << entry.path() << " has no input " << input;
-        }
+        for (const auto& entry : fs::directory_iterator(kGolden + command, ec))
+            EXPECT_TRUE(fs::exists(kGolden + "reports/" + entry.path().filename().string())) << entry.path();
     }
 }
 

@@ -10,7 +10,7 @@
 namespace zelmor::storage::testing {
 namespace {
 
-TEST(InstallFiles, MissingFilesReadAsEmptyAndUserNameIsTrimmed) {
+TEST(InstallFiles, MissingFilesReadAsEmptyUserNameIsTrimmedAndLetterLinesJoinedByCrLf) {
     TempDir dir;
     EXPECT_EQ(UserName(dir.path()), "");
     EXPECT_EQ(Pnia(dir.path()), "");
@@ -23,12 +23,8 @@ TEST(InstallFiles, MissingFilesReadAsEmptyAndUserNameIsTrimmed) {
     // A file written elsewhere: first line only, blanks and CR dropped.
     std::ofstream(userNamePath(dir.path()), std::ios::binary) << "  Dana  \r\nsecond line\r\n";
     EXPECT_EQ(UserName(dir.path()), "Dana");
-}
 
-TEST(InstallFiles, LetterLinesAreJoinedByCrLf) {
-    TempDir dir;
-    SavePnia(dir.path(), "שלום רב,\r\nמצורף הדו\"ח.\r\nבברכה");
-    EXPECT_EQ(Pnia(dir.path()), "שלום רב,\r\nמצורף הדו\"ח.\r\nבברכה");
+    // The letter's lines are joined by CR LF.
     std::ofstream(pniaPath(dir.path()), std::ios::binary) << "a\nb\n\nc";
     EXPECT_EQ(Pnia(dir.path()), "a\r\nb\r\n\r\nc");
     SavePnia(dir.path(), "");

@@ -18,7 +18,7 @@ using ProcessTest = StorageTest;
 std::vector<pid_t> startWorkers(const std::string& location, int first, int n, int rounds) {
     std::vector<pid_t> workers;
     for (int w = first; w < first + n; ++w)
-        workers.push_back(spawnProgram({helperPath(), location, std::to_string(w), std::to_string(rounds)}));
+        workers.push_back(spawnProgram({ZELMOR_BINARY_DIR "/bin/storage_helper", location, std::to_string(w), std::to_string(rounds)}));
     return workers;
 }
 

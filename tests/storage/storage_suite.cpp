@@ -1,45 +1,14 @@
 #include "storage/storage_suite.h"
 
 #include <QCoreApplication>
-#include <fcntl.h>
 #include <pwd.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 
-extern char** environ;
-
 namespace zelmor::storage::testing {
 namespace fs = std::filesystem;
-
-pid_t spawnProgram(std::vector<std::string> args, const std::string& log) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (!log.empty()) {
-        posix_spawn_file_actions_addopen(&actions, 1, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-        posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    }
-    std::vector<char*> argv;
-    for (auto& a : args) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    return rc == 0 ? pid : -1;
-}
-
-int waitFor(pid_t pid) {
-    int status = 0;
-    if (pid <= 0) return -1000;
-    while (waitpid(pid, &status, 0) < 0) {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
-
-std::string helperPath() { return std::string(ZELMOR_BINARY_DIR) + "/bin/storage_helper"; }
 
 namespace {
 
@@ -58,27 +27,27 @@ std::vector<std::string> asServerUser(std::vector<std::string> args) {
     return args;
 }
 
-}  // namespace
-
-void StorageTest::SetUp() {
-    // The Qt application object that the SQL plug-ins need.
-    static int argc = 1;
-    static char name[] = "storage_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
-    if (GetParam() == "postgresql") {
-        if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot();
-        location_ = PgServer::instance().freshDatabase();
-    } else {
-        location_ = dir_.path() + "/2015/D2015.BRK";
+// The throwaway PostgreSQL server, started on first use, that listens on a socket
+// of its own folder only. available() is false (with the reason in whyNot_) when
+// PostgreSQL is not installed or does not start; tests then skip.
+class PgServer {
+public:
+    static PgServer& instance() {
+        static PgServer server;
+        return server;
     }
-    db_ = std::make_unique<ReportDb>(location_);
-}
+    ~PgServer() { stop(); }
+    bool available();
+    // A new empty database on the server, as a connection URI.
+    std::string freshDatabase();
+    void stop();
+    std::string whyNot_;
 
-PgServer& PgServer::instance() {
-    static PgServer server;
-    return server;
-}
+private:
+    bool tried_ = false, running_ = false;
+    std::string dir_, binDir_;
+    int databases_ = 0;
+};
 
 bool PgServer::available() {
     if (tried_) return running_;
@@ -100,7 +69,7 @@ bool PgServer::available() {
         if (!pw || chown(dir_.c_str(), pw->pw_uid, pw->pw_gid) != 0)
             return fail("running as root and there is no postgres user to run the server");
     }
-    auto cmd = [&](std::vector<std::string> args) { return waitFor(spawnProgram(asServerUser(args), log)); };
+    auto cmd = [&](std::vector<std::string> args) { return waitFor(spawnProgram(asServerUser(args), {{}, {}, log, log})); };
     if (cmd({binDir_ + "/initdb", "-D", dir_ + "/data", "-U", "zelmor", "--auth=trust", "-E", "UTF8", "--locale=C",
              "--no-sync"}) != 0)
         return fail("initdb failed (see " + log + ")");
@@ -112,16 +81,16 @@ bool PgServer::available() {
 }
 
 std::string PgServer::freshDatabase() {
-    const std::string name = "zt" + std::to_string(++databases_);
-    if (waitFor(spawnProgram({binDir_ + "/createdb", "-h", dir_, "-U", "zelmor", name}, dir_ + "/server.log")) != 0)
-        throw std::runtime_error("cannot create a test database (see " + dir_ + "/server.log)");
+    const std::string name = "zt" + std::to_string(++databases_), log = dir_ + "/server.log";
+    if (waitFor(spawnProgram({binDir_ + "/createdb", "-h", dir_, "-U", "zelmor", name}, {{}, {}, log, log})) != 0)
+        throw std::runtime_error("cannot create a test database (see " + log + ")");
     return "postgresql://zelmor@localhost/" + name + "?host=" + dir_;
 }
 
 void PgServer::stop() {
     if (running_) {
         const std::vector<std::string> args = {binDir_ + "/pg_ctl", "-D", dir_ + "/data", "-m", "immediate", "-w", "stop"};
-        waitFor(spawnProgram(asServerUser(args), "/dev/null"));
+        waitFor(spawnProgram(asServerUser(args), {{}, {}, "/dev/null", "/dev/null"}));
         running_ = false;
     }
     if (!dir_.empty()) {
@@ -129,6 +98,23 @@ void PgServer::stop() {
         fs::remove_all(dir_, ec);
         dir_.clear();
     }
+}
+
+}  // namespace
+
+void StorageTest::SetUp() {
+    // The Qt application object that the SQL plug-ins need.
+    static int argc = 1;
+    static char name[] = "storage_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
+    if (GetParam() == "postgresql") {
+        if (!PgServer::instance().available()) GTEST_SKIP() << PgServer::instance().whyNot_;
+        location_ = PgServer::instance().freshDatabase();
+    } else {
+        location_ = dir_.path() + "/2015/D2015.BRK";
+    }
+    db_ = std::make_unique<ReportDb>(location_);
 }
 
 }  // namespace zelmor::storage::testing

@@ -6,12 +6,11 @@
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "cli/cli_runner.h"
 #include "storage/report_db.h"
 #include "storage/report_pattern.h"
 
@@ -23,41 +22,32 @@ struct TempDir {
     std::string path() const { return dir.path().toStdString(); }
 };
 
-// The throwaway PostgreSQL server, started on first use. available() is false
-// (with the reason in whyNot()) when PostgreSQL is not installed or does not
-// start; tests then skip.
-class PgServer {
-public:
-    static PgServer& instance();
-    ~PgServer() { stop(); }
-    bool available();
-    const std::string& whyNot() const { return whyNot_; }
-    // A new empty database on the server, as a connection URI.
-    std::string freshDatabase();
-    void stop();
+using zelmor::test::spawnProgram;
+using zelmor::test::waitFor;
 
-private:
-    bool tried_ = false;
-    bool running_ = false;
-    std::string whyNot_;
-    std::string dir_, binDir_;
-    int databases_ = 0;
-};
-
-// Starts a program (looked up on PATH), its output appended to log when one is
-// given; its process id, or -1.
-pid_t spawnProgram(std::vector<std::string> args, const std::string& log = {});
-// The exit status of a child; -signal when a signal ended it, -1000 for no child.
-int waitFor(pid_t pid);
-
-// The worker program of the process tests.
-std::string helperPath();
+// The kind of the StorageError that fn throws; None when it throws none.
+template <class Fn>
+StoreError thrownKind(Fn&& fn) {
+    try {
+        fn();
+    } catch (const StorageError& e) {
+        return e.kind();
+    }
+    return StoreError::None;
+}
 
 class StorageTest : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override;
     bool sqlite() const { return GetParam() == "sqlite"; }
     long long count(const std::string& sql) { return std::stoll("0" + db_->queryScalar(sql)); }
+    // The stored report of this id; a failure to open it fails the test.
+    NishumInput load(const std::string& id) {
+        NishumInput r;
+        const StoreOutcome out = db_->openNishum(id, r);
+        EXPECT_TRUE(out.ok) << id << ": " << out.detail;
+        return r;
+    }
 
     TempDir dir_;
     std::string location_;

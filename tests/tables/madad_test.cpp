@@ -24,8 +24,6 @@
 namespace zelmor {
 namespace {
 
-// Helpers: small table files made to order, and an HTTP server on 127.0.0.1 that serves them.
-
 struct Month {
     const char* month;
     double basis51, madad, mekadem;
@@ -73,6 +71,10 @@ void writeAll(const QString& path, const QByteArray& bytes) {
 
 Date ymd(int y, int m, int d) { return *Date::fromYmd(y, m, d); }
 
+void expectMentions(const QString& text, const char* what) {
+    EXPECT_TRUE(text.contains(QString::fromUtf8(what))) << text.toStdString() << "\nshould mention: " << what;
+}
+
 // The Basis51 of a month as written in the shipped CSV, read independently of the program.
 double csvBasis51(const char* month) {
     const QList<QByteArray> lines = readAll(QStringLiteral(ZELMOR_SOURCE_DIR "/data/madad.csv")).split('\n');
@@ -83,7 +85,7 @@ double csvBasis51(const char* month) {
     return 0;
 }
 
-// Serves fixed answers by path: a status with a body (status 0: no answer at all); else 404.
+// Serves fixed answers by path on 127.0.0.1: a status with a body (status 0: no answer at all); else 404.
 class HttpServer {
 public:
     HttpServer() {
@@ -105,9 +107,7 @@ public:
         });
         EXPECT_TRUE(server_.listen(QHostAddress::LocalHost, 0));
     }
-    void serve(const QString& path, const QByteArray& body, int status = 200) {
-        routes_[path] = {status, body};
-    }
+    void serve(const QString& path, const QByteArray& body, int status = 200) { routes_[path] = {status, body}; }
     QUrl url(const QString& path) const {
         return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(server_.serverPort()).arg(path));
     }
@@ -117,22 +117,19 @@ private:
     QMap<QString, QPair<int, QByteArray>> routes_;
 };
 
-TEST(MadadCsv, ColumnsByHeaderAndQuotedFields) {
+TEST(MadadCsv, ColumnsByHeaderQuotedFieldsAndBadInputNamingLineAndField) {
     std::vector<MadadRow> rows;
     QString last, error;
-    const QByteArray text =
-        "\xEF\xBB\xBFShow_month,Basis51,Month,Note,MEKADEM,Madad,Basis\r\n"
-        "02/2015,20,201502,\"a, \"\"quoted\"\" note\",2,10,b\r\n"
-        "\n"
-        "01/2015,18,201501,,2,9,b\r\n";
-    ASSERT_TRUE(parseMadadCsv(text, &rows, &last, &error)) << error.toStdString();
+    ASSERT_TRUE(parseMadadCsv("\xEF\xBB\xBFShow_month,Basis51,Month,Note,MEKADEM,Madad,Basis\r\n"
+                              "02/2015,20,201502,\"a, \"\"quoted\"\" note\",2,10,b\r\n\n"
+                              "01/2015,18,201501,,2,9,b\r\n",
+                              &rows, &last, &error))
+        << error.toStdString();
     ASSERT_EQ(rows.size(), 2u);
     EXPECT_EQ(rows[0].month, "201501");
     EXPECT_EQ(rows[1].basis51, 20);
     EXPECT_EQ(last, "201502");
-}
 
-TEST(MadadCsv, BadInputNamesLineAndField) {
     const QByteArray header = "Month,Basis,Madad,MEKADEM,Basis51,Show_month\n";
     const struct {
         QByteArray text;
@@ -148,11 +145,15 @@ TEST(MadadCsv, BadInputNamesLineAndField) {
         {"", "ריקה"},
     };
     for (const auto& c : cases) {
-        std::vector<MadadRow> rows;
-        QString last, error;
         EXPECT_FALSE(parseMadadCsv(c.text, &rows, &last, &error)) << c.text.toStdString();
-        EXPECT_TRUE(error.contains(QString::fromUtf8(c.mentions))) << error.toStdString();
+        expectMentions(error, c.mentions);
     }
+}
+
+TEST(MadadValues, Basis51IsZeroOrAFinitePositiveIndexUpToTheBound) {
+    for (double good : {0.0, 1e-3, 100.0, 40962585.6, kMaxBasis51}) EXPECT_EQ(basis51Problem(good), "") << good;
+    for (double bad : {-1.0, -0.0001, kMaxBasis51 * 1.0001, 1e308, HUGE_VAL, -HUGE_VAL, std::nan("")})
+        EXPECT_NE(basis51Problem(bad), "") << bad;
 }
 
 // The data folder holds a small table: 190101 = 100; 201501 = 200; 201502 no value; 201503 = 300;
@@ -180,6 +181,20 @@ protected:
     void writeSmall(const QString& lock = "201503") {
         writeTable(path(), {{"201501", 200, 100, 2}, {"201502", 0, 0, 2}, {"201503", 300, 150, 2},
                             {"201504", 0, 0, 2.5}}, lock);
+    }
+    // A download from url is refused, saying why, and the old table stays: in the file, byte for byte,
+    // and in memory; what was left of a broken earlier download goes.
+    void expectRefusedDownload(MadadTable& t, const QUrl& url, const char* mentions) {
+        SCOPED_TRACE(url.toString().toStdString());
+        if (!url.isEmpty()) writeAll(site(), "left over");
+        QString message;
+        EXPECT_FALSE(t.UpdateMadadTable(url, &message));
+        expectMentions(message, mentions);
+        expectMentions(message, "עדכון טבלאות המדדים נכשל");
+        expectMentions(message, "טבלאות מדדים וסכומים מעודכנות לחודש 2015/03");
+        EXPECT_EQ(readAll(path()), before_);
+        EXPECT_FALSE(QFileInfo::exists(site()));
+        EXPECT_EQ(t.GetMadad(ymd(2015, 4, 1)), 300);
     }
     QTemporaryDir dir_;
     HttpServer server_;
@@ -222,8 +237,7 @@ TEST_F(MadadTableTest, CreatedFromShippedTableOnFirstUse) {
         ASSERT_TRUE(t.setMadad("202609", 106.0, &error)) << error.toStdString();
     }
     // An existing file is used as it is, not made again.
-    MadadTable again(data);
-    EXPECT_EQ(again.rows().size(), 178u);
+    EXPECT_EQ(MadadTable(data).rows().size(), 178u);
     EXPECT_EQ(QDir(data).entryList(QDir::Files), QStringList{"Madad.BRK"});
 }
 
@@ -235,12 +249,13 @@ TEST_F(MadadTableTest, EditingRules) {
 
     QString error;
     EXPECT_FALSE(t.setMadad("201503", 160.0, &error));  // LockMonth itself
-    EXPECT_TRUE(error.contains("03/2015")) << error.toStdString();
+    expectMentions(error, "03/2015");
     EXPECT_FALSE(t.setMadad("201504", QStringLiteral("abc"), &error));
     EXPECT_EQ(error, "מספר לא חוקי");
-    for (auto [month, value] : {std::pair{"201504", -1.0}, {"201504", std::nan("")},
-                                {"2015-4", 1.0}, {"201513", 1.0}})
+    for (auto [month, value] : {std::pair{"201504", -1.0}, {"201504", std::nan("")}, {"2015-4", 1.0},
+                                {"201513", 1.0}, {"201504", 1e300}})
         EXPECT_FALSE(t.setMadad(month, value, &error)) << month << ' ' << value;
+    expectMentions(error, "04/2015");  // a value that would make the table unusable
     EXPECT_EQ(readAll(path()), before_);
 
     // Basis51 = Madad x MEKADEM, seen at once and kept in the file.
@@ -262,7 +277,7 @@ TEST_F(MadadTableTest, EditingRules) {
     // Meanwhile the file was replaced by one locked up to 201504: its lock counts.
     writeSmall("201504");
     EXPECT_FALSE(t.setMadad("201504", 100.0, &error));
-    EXPECT_TRUE(error.contains("04/2015")) << error.toStdString();
+    expectMentions(error, "04/2015");
 }
 
 TEST_F(MadadTableTest, ReloadIfChanged) {
@@ -298,8 +313,7 @@ TEST_F(MadadTableTest, GoodFileReplacesTableAndUserMonths) {
     ASSERT_TRUE(t.setMadad("201504", 500.0, &message));
     writeAll(site(), "left over from a broken run");
 
-    ASSERT_TRUE(t.UpdateMadadTable(server_.url("/downloads/Madad.brk"), &message))
-        << message.toStdString();
+    ASSERT_TRUE(t.UpdateMadadTable(server_.url("/downloads/Madad.brk"), &message)) << message.toStdString();
     EXPECT_EQ(message, "טבלאות מדדים וסכומים מעודכנות לחודש 2016/09");
     EXPECT_EQ(readAll(path()), newer_);
     EXPECT_EQ(QDir(dir_.path()).entryList({"Madad*"}, QDir::Files), QStringList{"Madad.BRK"});
@@ -328,48 +342,27 @@ TEST_F(MadadTableTest, BadDownloadOrNoAddressLeavesOldFileByteForByte) {
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
     const QUrl refused(QStringLiteral("http://127.0.0.1:%1/x").arg(closed.serverPort()));
     closed.close();
-    const struct {
-        QUrl url;
-        const char* mentions;
-    } cases[] = {
-        {server_.url("/garbage"), "אינו טבלת מדדים"}, {server_.url("/empty"), "אינו טבלת מדדים"},
-        {server_.url("/nofallback"), "190101"},       {server_.url("/missing"), "404"},
-        {server_.url("/slow"), "לא השיב"},            {refused, "אין חיבור לשרת"},
-        {QUrl(), "לא הוגדרה כתובת"},
-    };
-    for (const auto& c : cases) {
-        if (!c.url.isEmpty()) writeAll(site(), "left over");  // a download attempt clears it
-        QString message;
-        EXPECT_FALSE(t.UpdateMadadTable(c.url, &message)) << c.url.toString().toStdString();
-        EXPECT_TRUE(message.contains(QString::fromUtf8(c.mentions))) << message.toStdString();
-        EXPECT_TRUE(message.contains("עדכון טבלאות המדדים נכשל")) << message.toStdString();
-        EXPECT_TRUE(message.contains("טבלאות מדדים וסכומים מעודכנות לחודש 2015/03"));
-        EXPECT_EQ(readAll(path()), before_);
-        EXPECT_FALSE(QFileInfo::exists(site())) << c.url.toString().toStdString();
-        EXPECT_EQ(t.GetMadad(ymd(2015, 4, 1)), 300);
-    }
+    expectRefusedDownload(t, server_.url("/garbage"), "אינו טבלת מדדים");
+    expectRefusedDownload(t, server_.url("/empty"), "אינו טבלת מדדים");
+    expectRefusedDownload(t, server_.url("/nofallback"), "190101");
+    expectRefusedDownload(t, server_.url("/missing"), "404");
+    expectRefusedDownload(t, server_.url("/slow"), "לא השיב");
+    expectRefusedDownload(t, refused, "אין חיבור לשרת");
+    expectRefusedDownload(t, QUrl(), "לא הוגדרה כתובת");
 }
 
 TEST_F(MadadTableTest, DamagedFileIsReportedAndAnUpdateReplacesIt) {
     writeAll(path(), QByteArray(4096, 'x'));
     MadadTable t(dir_.path());
     EXPECT_FALSE(t.ok());
-    EXPECT_TRUE(t.errorString().contains(path())) << t.errorString().toStdString();
+    expectMentions(t.errorString(), qPrintable(path()));
     EXPECT_EQ(t.GetMadad(ymd(2015, 1, 1)), 0);
     QString message;
     EXPECT_FALSE(t.setMadad("201505", 1.0, &message));
     EXPECT_EQ(readAll(path()), QByteArray(4096, 'x'));
-    ASSERT_TRUE(t.UpdateMadadTable(server_.url("/downloads/Madad.brk"), &message))
-        << message.toStdString();
+    ASSERT_TRUE(t.UpdateMadadTable(server_.url("/downloads/Madad.brk"), &message)) << message.toStdString();
     EXPECT_TRUE(t.ok());
     EXPECT_EQ(t.GetMadad(ymd(2017, 1, 1)), 777);
-}
-
-TEST(MadadValues, Basis51IsZeroOrAFinitePositiveIndexUpToTheBound) {
-    for (double good : {0.0, 1e-3, 100.0, 40962585.6, kMaxBasis51})
-        EXPECT_EQ(basis51Problem(good), "") << good;
-    for (double bad : {-1.0, -0.0001, kMaxBasis51 * 1.0001, 1e308, HUGE_VAL, -HUGE_VAL, std::nan("")})
-        EXPECT_NE(basis51Problem(bad), "") << bad;
 }
 
 // Each kind of unusable table: refused on opening, naming what is wrong, and
@@ -394,6 +387,7 @@ TEST_F(MadadTableTest, UnusableTablesAreRefusedWithTheReason) {
         {good, "201609", true, "INSERT INTO Madad VALUES ('201613', 1, 'b', 1, 1, '')", "201613"},
         {good, "201609", true, "INSERT INTO Madad VALUES ('abc', 0, 'b', 0, 1, '')", "abc"},
     };
+    MadadTable t(dir_.path());
     int n = 0;
     for (const auto& c : cases) {
         const QString bad = dir_.filePath(QStringLiteral("bad%1/Madad.BRK").arg(++n));
@@ -401,24 +395,10 @@ TEST_F(MadadTableTest, UnusableTablesAreRefusedWithTheReason) {
         writeTable(bad, c.rows, c.lock, c.withFallback, c.damage);
         MadadTable opened(QFileInfo(bad).path());
         EXPECT_FALSE(opened.ok()) << c.mentions;
-        EXPECT_TRUE(opened.errorString().contains(QString::fromUtf8(c.mentions))) << opened.errorString().toStdString();
-
-        MadadTable t(dir_.path());
-        const QString url = QStringLiteral("/bad%1").arg(n);
-        server_.serve(url, readAll(bad));
-        QString message;
-        EXPECT_FALSE(t.UpdateMadadTable(server_.url(url), &message)) << c.mentions;
-        EXPECT_TRUE(message.contains(QString::fromUtf8(c.mentions))) << message.toStdString();
-        EXPECT_TRUE(message.contains("טבלאות מדדים וסכומים מעודכנות לחודש 2015/03")) << message.toStdString();
-        EXPECT_EQ(readAll(path()), before_);
-        EXPECT_EQ(t.GetMadad(ymd(2015, 4, 1)), 300);
+        expectMentions(opened.errorString(), c.mentions);
+        server_.serve(QStringLiteral("/bad%1").arg(n), readAll(bad));
+        expectRefusedDownload(t, server_.url(QStringLiteral("/bad%1").arg(n)), c.mentions);
     }
-    // A typed value that would make the table unusable is refused too.
-    MadadTable t(dir_.path());
-    QString error;
-    EXPECT_FALSE(t.setMadad("201504", 1e300, &error));
-    EXPECT_TRUE(error.contains("04/2015")) << error.toStdString();
-    EXPECT_EQ(readAll(path()), before_);
 }
 
 }  // namespace
