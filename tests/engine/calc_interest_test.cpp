@@ -77,6 +77,7 @@ TEST(InterestAndLinkage, ExemptionAndStart) {
         {ymd(2016, 2, 2), 9125, 9125, 17, 16},        // 33 days of 1 a day: the half rounded to even
         {ymd(2016, 3, 31), 36500, 36500, 273, 91},    // March: a quarter
         {ymd(2016, 4, 1), 36500, 36500, 368, 0},      // April: none
+        {ymd(2016, 12, 30), 10000, 10000, 400, 0},    // a year: 4%
         {ymd(2017, 1, 31), 36500, 36500, 1588, 0},    // January of a later year: none
     };
     const FixedMadad flat;

@@ -1,6 +1,13 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "engine/calc.h"
 #include "support/fixed_madad.h"
 
@@ -34,6 +41,60 @@ inline NishumInput couple() {
     n.Pratim.BirthDateF = ymd(1972, 3, 3);
     n.Klaliim.isTlutNo = true;
     return n;
+}
+
+// The report with fields set by name: "Yegia.N150=1000 Pratim.BirthDateM=1955-12-31
+// Pratim.isMale=0"; a date left empty is no date.
+inline NishumInput with(NishumInput n, const std::string& fields) {
+    std::istringstream in(fields);
+    for (std::string item; in >> item;) {
+        const auto dot = item.find('.'), eq = item.find('=');
+        const FieldDef* f = eq == std::string::npos ? nullptr : findField(item.substr(0, dot), item.substr(dot + 1, eq - dot - 1));
+        if (!f) throw std::invalid_argument("no field " + item);
+        const std::string v = item.substr(eq + 1);
+        switch (f->type) {
+            case FieldType::Amount: f->ref<Amount>(n) = std::stoi(v); break;
+            case FieldType::Number: f->ref<std::int32_t>(n) = std::stoi(v); break;
+            case FieldType::Count: f->ref<std::int16_t>(n) = static_cast<std::int16_t>(std::stoi(v)); break;
+            case FieldType::Boolean: f->ref<bool>(n) = v == "1"; break;
+            case FieldType::Date: f->ref<Date>(n) = v.empty() ? Date() : parseIsoDate(v).value(); break;
+            case FieldType::Text: f->ref<std::string>(n) = v; break;
+        }
+    }
+    return n;
+}
+
+// A figure of a result: "Sheet.Field", or the filing mode and the compared sums.
+inline double figure(const CalcResult& r, const std::string& name) {
+    if (name == "FilingMode") return r.FilingMode;
+    if (name == "compared") return r.compared;
+    if (name == "MasMeuchad") return r.MasMeuchad.value();
+    if (name == "MasNifrad") return r.MasNifrad.value();
+    const auto dot = name.find('.');
+    const SheetFieldDef* f = findSheetField(name.substr(0, dot), name.substr(dot + 1));
+    if (!f) throw std::invalid_argument("no figure " + name);
+    return f->type == SheetFieldType::Double ? f->ref<double>(r.out) : f->ref<Amount>(r.out).value();
+}
+
+// One row of a table of rules: a report built on one of three bases, and the
+// figures it must give.
+enum Base { Single, Couple, Dependent /* a couple, dependent on each other's income */ };
+struct RuleCase {
+    const char* rule;
+    Base base;
+    const char* fields;
+    std::vector<std::pair<const char*, double>> figures;
+};
+
+inline void PrintTo(const RuleCase& c, std::ostream* os) { *os << c.rule; }
+
+class Rules : public ::testing::TestWithParam<RuleCase> {};
+
+inline std::string ruleName(const ::testing::TestParamInfo<RuleCase>& info) {
+    std::string s = info.param.rule;
+    for (char& ch : s)
+        if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
+    return s;
 }
 
 }  // namespace zelmor::testing
