@@ -39,18 +39,13 @@ class BracketTax : public ::testing::TestWithParam<BracketCase> {};
 
 TEST_P(BracketTax, SpreadsEarnedAndStackedIncome) {
     const BracketCase& bc = GetParam();
-    NishumInput n = single();
-    n.Yegia.N158 = bc.Y;
-    n.Yegia.N201 = bc.L;
-    const auto& h = calc(n).out.Hishuv;
-    const Amount sums[] = {h.MSUM_1, h.MSUM_2, h.MSUM_3, h.MSUM_4, h.MSUM_5, h.MSUM_6, h.MSUM_7};
-    const Amount taxes[] = {h.MMAS_1, h.MMAS_2, h.MMAS_3, h.MMAS_4, h.MMAS_5, h.MMAS_6, h.MMAS_7};
+    const CalcResult r = calc(with(single(), "Yegia.N158=" + std::to_string(bc.Y) + " Yegia.N201=" + std::to_string(bc.L)));
     for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(sums[i], bc.sums[i]) << "bracket " << i + 1;
-        EXPECT_EQ(taxes[i], bc.taxes[i]) << "bracket " << i + 1;
+        EXPECT_EQ(figure(r, "CHishuv.MSUM_" + std::to_string(i + 1)), bc.sums[i]) << "bracket " << i + 1;
+        EXPECT_EQ(figure(r, "CHishuv.MMAS_" + std::to_string(i + 1)), bc.taxes[i]) << "bracket " << i + 1;
     }
-    EXPECT_EQ(h.MMAS_TTL, bc.total);
-    EXPECT_EQ(h.MSUM_TTL, bc.Y + bc.L);
+    EXPECT_EQ(r.out.Hishuv.MMAS_TTL, bc.total);
+    EXPECT_EQ(r.out.Hishuv.MSUM_TTL, bc.Y + bc.L);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -22,34 +22,13 @@ inline CalcResult calc(NishumInput n, Date today = ymd(2016, 6, 30)) {
     return CalcDoch(n, ConstDoch(), flat, today);
 }
 
-// A single resident man born in 1970.
-inline NishumInput single() {
-    NishumInput n;
-    n.Pratim.IDM = "1";
-    n.Pratim.isMale = true;
-    n.Pratim.isRavak = true;
-    n.Pratim.BirthDateM = ymd(1970, 5, 1);
-    n.Nekudot.N020 = true;
-    return n;
-}
-
-// A married resident couple, husband registered, both born in the 1970s.
-inline NishumInput couple() {
-    NishumInput n = single();
-    n.Pratim.isRavak = false;
-    n.Pratim.isNasuy = true;
-    n.Pratim.BirthDateF = ymd(1972, 3, 3);
-    n.Klaliim.isTlutNo = true;
-    return n;
-}
-
 // The report with fields set by name: "Yegia.N150=1000 Pratim.BirthDateM=1955-12-31
 // Pratim.isMale=0"; a date left empty is no date.
 inline NishumInput with(NishumInput n, const std::string& fields) {
     std::istringstream in(fields);
     for (std::string item; in >> item;) {
         const auto dot = item.find('.'), eq = item.find('=');
-        const FieldDef* f = eq == std::string::npos ? nullptr : findField(item.substr(0, dot), item.substr(dot + 1, eq - dot - 1));
+        const FieldDef* f = eq < item.size() ? findField(item.substr(0, dot), item.substr(dot + 1, eq - dot - 1)) : nullptr;
         if (!f) throw std::invalid_argument("no field " + item);
         const std::string v = item.substr(eq + 1);
         switch (f->type) {
@@ -62,6 +41,16 @@ inline NishumInput with(NishumInput n, const std::string& fields) {
         }
     }
     return n;
+}
+
+// A single resident man born in 1970.
+inline NishumInput single() {
+    return with({}, "Pratim.IDM=1 Pratim.isMale=1 Pratim.isRavak=1 Pratim.BirthDateM=1970-05-01 Nekudot.N020=1");
+}
+
+// A married resident couple, husband registered, both born in the 1970s.
+inline NishumInput couple() {
+    return with(single(), "Pratim.isRavak=0 Pratim.isNasuy=1 Pratim.BirthDateF=1972-03-03 Klaliim.isTlutNo=1");
 }
 
 // A figure of a result: "Sheet.Field", or the filing mode and the compared sums.

@@ -1,9 +1,13 @@
-// The sheets' layout data, which screen and paper share: the walk places every
-// row it can show, in order and at the distances the sheets are drawn with,
-// the boxes of a block do not overlap, and captions made from values read right.
+// The sheets' row tables and layout data, which screen and paper share: rows
+// name fields of their sheet and show by the sums of their fields, the walk
+// places every row it can show, in order and at the distances the sheets are
+// drawn with, the boxes of a block do not overlap, and captions made from
+// values read right.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <set>
 
 #include "results/sheet_layout.h"
 
@@ -37,6 +41,46 @@ std::map<std::string, int> rowY(const NishumOutput& out, SheetId sheet) {
 bool overlap(Box a, Box b) { return a.from < b.to && b.from < a.to; }
 
 }  // namespace
+
+TEST(SheetRows, EveryNamedFieldBelongsToItsSheetAndKeysAreUnique) {
+    for (const SheetDef& sheet : allSheets()) {
+        std::set<std::string> keys;
+        ASSERT_FALSE(sheetRows(sheet.id).empty()) << sheet.name;
+        auto known = [&](const char* f) { EXPECT_TRUE(!f || findSheetField(sheet.name, f)) << sheet.name << "." << f; };
+        for (const SheetRow& row : sheetRows(sheet.id)) {
+            EXPECT_TRUE(keys.insert(row.key).second) << sheet.name << " repeats the key " << row.key;
+            std::ranges::for_each(row.fields, known);
+            std::ranges::for_each(row.test, known);
+        }
+    }
+}
+
+TEST(SheetRows, ShowTestsReadTheSumsOfTheirFields) {
+    NishumOutput out;
+    auto shown = [&](SheetId sheet, const char* key, int year = 2015) {
+        return rowShown(out, sheet, *findSheetRow(sheet, key), year);
+    };
+    // A deduction that wipes out the income still shows the special-rate row.
+    out.Meyuchad.N214B = 500;
+    EXPECT_FALSE(shown(SheetId::CMeyuchad, "214B"));
+    out.Meyuchad.NIKUY_214B = 500;
+    EXPECT_TRUE(shown(SheetId::CMeyuchad, "214B"));
+    // Rent has no gross: its net amount alone decides, not its rate.
+    out.Meyuchad.RATE_222 = 10;
+    EXPECT_FALSE(shown(SheetId::CMeyuchad, "222"));
+    out.Meyuchad.NET_222 = 1;
+    EXPECT_TRUE(shown(SheetId::CMeyuchad, "222"));
+    // A points row with one key tests the registered spouse's credit only.
+    out.Zikuim.ZIKUY_028M = 0.5;
+    EXPECT_TRUE(shown(SheetId::CZikuim, "028M"));
+    // A total shows where it differs from the sum it repeats.
+    out.Nikuim.TTLM1 = out.Nikuim.TTLM3 = 700;
+    EXPECT_FALSE(shown(SheetId::CNikuim, "TTL3"));
+    out.Nikuim.TTLF3 = 1;
+    EXPECT_TRUE(shown(SheetId::CNikuim, "TTL3"));
+    EXPECT_FALSE(shown(SheetId::CMain, "Hetel"));
+    EXPECT_TRUE(shown(SheetId::CMain, "Hetel", 2002));
+}
 
 TEST(SheetLayout, TheWalkPlacesEveryRowOnceInOrder) {
     NishumOutput out = filled(1);
