@@ -10,20 +10,18 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::ValuesIn(std::vector<RuleCase>{
         // Deductions larger than regular income eat the special-rate lines, 35% ones last.
         {"IncomeWithDeductionsLargerThanRegularIncome", Single,
-         "Yegia.N158=120000 Yegia.N201=30000 Rechush.N213=40000 Rechush.N214=10000 Rechush.N211=50000 "
-         "Nikuim.N116=200000",
+         "N158=120000 N201=30000 N213=40000 N214=10000 N211=50000 "
+         "N116=200000",
          {{"FilingMode", ModeSingle}, {"CHachnasot.N213A", 17880}, {"CHachnasot.N214A", 0},
           {"CMeyuchad.N213B", 22120} /* what stays at 35% */, {"CMeyuchad.N214B", 10000},
           {"CMeyuchad.NET_214B", 0}, {"CMeyuchad.NET_213B", 0}, {"CMeyuchad.NET_211", 50000},
           {"CNikuim.TTLM1", 200000}, {"CNikuim.TTLM3", 120000 + 47880} /* both scales used up */,
           {"CNikuim.TTLM0", 0}, {"CHishuv.MSUM_TTL", 0}}},
-        {"EarnedLossEatsPropertyThenSpecialRateLines", Single,
-         "Yegia.YegiaM=-50000 Yegia.N201=20000 Rechush.N211=100000 Rechush.N241=10000",
+        {"EarnedLossEatsPropertyThenSpecialRateLines", Single, "YegiaM=-50000 N201=20000 N211=100000 N241=10000",
          {{"CHishuv.MSUM_TTL", 0}, {"CMeyuchad.NET_241", 0}, {"CMeyuchad.NET_211", 80000},
           {"CMeyuchad.MAS_211", 12000}}},
         // The second pension limit beats the general one (16,236).
-        {"DeductionsInTheirOrder", Single,
-         "Yegia.N150=300000 Nikuim.N136=20000 Nikuim.N112=5000 Nikuim.N135=30000 Nikuim.N030=25000",
+        {"DeductionsInTheirOrder", Single, "N150=300000 N136=20000 N112=5000 N135=30000 N030=25000",
          {{"CNikuim.N136H", 11835}, {"CNikuim.N112H", 5000}, {"CNikuim.N135H", 22968}, {"CNikuim.N030H", 13000},
           {"CNikuim.TTLM1", 52803}, {"CMain.HachnasaNetM", 247197}}}}),
     ruleName);
@@ -39,7 +37,7 @@ class BracketTax : public ::testing::TestWithParam<BracketCase> {};
 
 TEST_P(BracketTax, SpreadsEarnedAndStackedIncome) {
     const BracketCase& bc = GetParam();
-    const CalcResult r = calc(with(single(), "Yegia.N158=" + std::to_string(bc.Y) + " Yegia.N201=" + std::to_string(bc.L)));
+    const CalcResult r = calc(with(single(), "N158=" + std::to_string(bc.Y) + " N201=" + std::to_string(bc.L)));
     for (int i = 0; i < 7; ++i) {
         EXPECT_EQ(figure(r, "CHishuv.MSUM_" + std::to_string(i + 1)), bc.sums[i]) << "bracket " << i + 1;
         EXPECT_EQ(figure(r, "CHishuv.MMAS_" + std::to_string(i + 1)), bc.taxes[i]) << "bracket " << i + 1;

@@ -34,7 +34,7 @@ TEST(InterestAndLinkage, TodayPicksTheIndexMonth) {
         {ymd(2016, 8, 15), 912 + 1460 + 36},  // July not published: June's index, the interest goes on
     };
     // Rent is taxed at 10% whatever the credits: a debt of exactly 36,500, whose interest is 4 shekels a day.
-    NishumInput n = with(single(), "Rechush.N222=365000");
+    NishumInput n = with(single(), "N222=365000");
     WorkOutDerived(n);
     for (const Case& c : cases) {
         const CalcResult r = CalcDoch(n, ConstDoch(), risingIndex(), c.today);

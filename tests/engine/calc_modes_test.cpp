@@ -13,57 +13,48 @@ INSTANTIATE_TEST_SUITE_P(
     FilingModes, Rules,
     ::testing::ValuesIn(std::vector<RuleCase>{
         // A spouse's income up to 8.75 points (22,890), or 10 points (26,160) with a child, stays out.
-        {"SpouseAtTheThresholdStaysOut", C, "Yegia.N150=200000 Yegia.N172=22890", {{"FilingMode", kAlone}}},
-        {"SpouseAboveTheThreshold", C, "Yegia.N150=200000 Yegia.N172=22891", {{"FilingMode", kSeparate}}},
-        {"SpouseWithChildAtTheThreshold", C, "Yegia.N150=200000 Yegia.N172=26160 Nekudot.N260_5=1",
-         {{"FilingMode", kAlone}}},
-        {"SpouseWithChildAboveIt", C, "Yegia.N150=200000 Yegia.N172=26161 Nekudot.N260_5=1",
-         {{"FilingMode", kSeparate}}},
+        {"SpouseAtTheThresholdStaysOut", C, "N150=200000 N172=22890", {{"FilingMode", kAlone}}},
+        {"SpouseAboveTheThreshold", C, "N150=200000 N172=22891", {{"FilingMode", kSeparate}}},
+        {"SpouseWithChildAtTheThreshold", C, "N150=200000 N172=26160 N260_5=1", {{"FilingMode", kAlone}}},
+        {"SpouseWithChildAboveIt", C, "N150=200000 N172=26161 N260_5=1", {{"FilingMode", kSeparate}}},
         // Unmarried: F's lines are not computed, but shown as entered.
-        {"UnmarriedIsSingle", C, "Yegia.N150=200000 Yegia.N172=100000 Pratim.isNasuy=0 Pratim.isGarush=1",
+        {"UnmarriedIsSingle", C, "N150=200000 N172=100000 isNasuy=0 isGarush=1",
          {{"FilingMode", kSingle}, {"CMain.MasBrutoF", 0}, {"CHishuv.FSUM_TTL", 0}, {"CHachnasot.N172", 100000}}},
-        {"NoSpouseIncomeIsSingle", C, "Yegia.N150=200000", {{"FilingMode", kSingle}}},
+        {"NoSpouseIncomeIsSingle", C, "N150=200000", {{"FilingMode", kSingle}}},
         // Both above the joint limit file separately; at exactly the limit the joint way is tried.
-        {"BothAboveTheJointLimit", C, "Yegia.N158=65401 Yegia.N172=65401",
-         {{"FilingMode", kSeparate}, {"compared", 0}}},
-        {"OneAtTheJointLimit", C, "Yegia.N158=65401 Yegia.N172=65400", {{"compared", 1}}},
+        {"BothAboveTheJointLimit", C, "N158=65401 N172=65401", {{"FilingMode", kSeparate}, {"compared", 0}}},
+        {"OneAtTheJointLimit", C, "N158=65401 N172=65400", {{"compared", 1}}},
         // A business income under the deductions of the registered spouse: in the joint way they meet the
         // spouse's salary. The credit fields of both are added while the run computes; the sheets show
         // each person's figures as entered, all income with M, and the allowed bases rest on both.
         {"JointWinsWhenCheaperAndPublishesTheUsersFigures", C,
-         "Yegia.N150=30000 Yegia.N172=120000 Nikuim.N116=60000 Nikuim.N030=1000 Nikuim.N089=500 "
-         "Zikuim.AcherimM=100 Zikuim.AcherimF=50",
+         "N150=30000 N172=120000 N116=60000 N030=1000 N089=500 AcherimM=100 AcherimF=50",
          {{"FilingMode", kJoint}, {"compared", 1}, {"MasMeuchad", 0}, {"MasNifrad", 7811}, {"CMain.MasMagiaM", 0},
-          {"CMain.MasMagiaF", 0}, {"CMain.HachnasotF", 0}, {"CHachnasot.N172", 120000},
-          {"CZikuim.AcherimM", 100}, {"CZikuim.HUTAR_AcherimM", 150}, {"CNikuim.N030S", 1000},
-          {"CNikuim.N089S", 500}, {"CNikuim.N030H", 780} /* 52% of both payments */}},
+          {"CMain.MasMagiaF", 0}, {"CMain.HachnasotF", 0}, {"CHachnasot.N172", 120000}, {"CZikuim.AcherimM", 100},
+          {"CZikuim.HUTAR_AcherimM", 150}, {"CNikuim.N030S", 1000}, {"CNikuim.N089S", 500},
+          {"CNikuim.N030H", 780} /* 52% of both payments */}},
         // Dependence: joint without F's property; with a large one, separate on the property while F's
         // earned income moves to M's total.
-        {"DependenceWithoutSpousePropertyStaysJoint", D, "Yegia.N150=150000 Yegia.N172=80000",
+        {"DependenceWithoutSpousePropertyStaysJoint", D, "N150=150000 N172=80000",
          {{"FilingMode", kJoint}, {"compared", 0}}},
-        {"DependenceWithLargePropertyIsSeparateOnProperty", D, "Yegia.N150=150000 Yegia.N172=80000 Yegia.N301=70000",
+        {"DependenceWithLargePropertyIsSeparateOnProperty", D, "N150=150000 N172=80000 N301=70000",
          {{"FilingMode", kProperty}, {"CMain.HachnasotM", 150000 + 80000}, {"CMain.HachnasotF", 70000},
           {"CHachnasot.N172", 80000}, {"CHachnasot.N301", 70000}}},
         // One shekel of F's property is enough for the separate run on property to be tried; both tests
         // above the joint limit: separate on property without a joint run.
-        {"PropertyOfOne", D, "Yegia.N158=40000 Yegia.N172=80000 Yegia.N301=1",
-         {{"FilingMode", kJoint}, {"compared", 1}}},
-        {"PropertyAtLimit", D, "Yegia.N158=40000 Yegia.N172=80000 Yegia.N301=65400",
-         {{"FilingMode", kProperty}, {"compared", 1}}},
-        {"PropertyAboveLimit", D, "Yegia.N158=40000 Yegia.N172=80000 Yegia.N301=65401",
-         {{"FilingMode", kProperty}, {"compared", 0}}},
-        {"MWithFEarnedAtLimit", D, "Yegia.N158=40000 Yegia.N172=25400 Yegia.N301=70000",
-         {{"FilingMode", kProperty}, {"compared", 1}}},
-        {"MWithFEarnedAboveLimit", D, "Yegia.N158=40000 Yegia.N172=25401 Yegia.N301=70000",
-         {{"FilingMode", kProperty}, {"compared", 0}}},
+        {"PropertyOfOne", D, "N158=40000 N172=80000 N301=1", {{"FilingMode", kJoint}, {"compared", 1}}},
+        {"PropertyAtLimit", D, "N158=40000 N172=80000 N301=65400", {{"FilingMode", kProperty}, {"compared", 1}}},
+        {"PropertyAboveLimit", D, "N158=40000 N172=80000 N301=65401", {{"FilingMode", kProperty}, {"compared", 0}}},
+        {"MWithFEarnedAtLimit", D, "N158=40000 N172=25400 N301=70000", {{"FilingMode", kProperty}, {"compared", 1}}},
+        {"MWithFEarnedAboveLimit", D, "N158=40000 N172=25401 N301=70000", {{"FilingMode", kProperty}, {"compared", 0}}},
         // Lines of both spouses go with the one who earned more, with M on a tie.
-        {"SharedRegularLineWithMOnTie", C, "Yegia.N158=20000 Yegia.N172=20000 Yegia.N059=10000",
+        {"SharedRegularLineWithMOnTie", C, "N158=20000 N172=20000 N059=10000",
          {{"FilingMode", kAlone}, {"compared", 0}}},
-        {"SharedRegularLineWithFWhenMore", C, "Yegia.N158=20000 Yegia.N172=20001 Yegia.N059=10000",
+        {"SharedRegularLineWithFWhenMore", C, "N158=20000 N172=20001 N059=10000",
          {{"FilingMode", kSeparate}, {"compared", 1}}},
-        {"SharedSpecialLineWithMOnTie", C, "Yegia.N158=20000 Yegia.N172=20000 Rechush.N060=10000",
+        {"SharedSpecialLineWithMOnTie", C, "N158=20000 N172=20000 N060=10000",
          {{"FilingMode", kAlone}, {"compared", 0}}},
-        {"SharedSpecialLineWithFWhenMore", C, "Yegia.N158=20000 Yegia.N172=20001 Rechush.N060=10000",
+        {"SharedSpecialLineWithFWhenMore", C, "N158=20000 N172=20001 N060=10000",
          {{"FilingMode", kSeparate}, {"compared", 1}}}}),
     ruleName);
 
@@ -74,19 +65,19 @@ INSTANTIATE_TEST_SUITE_P(
     ModeTies, Rules,
     ::testing::ValuesIn(std::vector<RuleCase>{
         // Both taxes wholly under the credits.
-        {"SeparateBothZero", C, "Yegia.N158=30000 Yegia.N172=30000",
+        {"SeparateBothZero", C, "N158=30000 N172=30000",
          {{"FilingMode", kSeparate}, {"MasMeuchad", 0}, {"MasNifrad", 0}, {"CMain.HachnasotF", 30000}}},
         // The joint way uses M's oil deduction against F's salary.
-        {"SeparateEqual", C, "Yegia.N150=30000 Yegia.N172=120000 Nikuim.N116=14427",
+        {"SeparateEqual", C, "N150=30000 N172=120000 N116=14427",
          {{"FilingMode", kSeparate}, {"MasMeuchad", 7916}, {"MasNifrad", 7916}, {"CMain.HachnasotF", 120000}}},
-        {"SeparateJointOneLess", C, "Yegia.N150=30000 Yegia.N172=120000 Nikuim.N116=14431",
+        {"SeparateJointOneLess", C, "N150=30000 N172=120000 N116=14431",
          {{"FilingMode", kJoint}, {"MasMeuchad", 7915}, {"MasNifrad", 7916}, {"CMain.HachnasotF", 0}}},
-        {"PropertyBothZero", D, "Yegia.N158=30000 Yegia.N172=20000 Yegia.N301=3000",
+        {"PropertyBothZero", D, "N158=30000 N172=20000 N301=3000",
          {{"FilingMode", kProperty}, {"MasMeuchad", 0}, {"MasNifrad", 0}, {"CMain.HachnasotF", 3000}}},
         // F's property against the spouse points of the joint way.
-        {"PropertyEqual", D, "Yegia.N158=150000 Yegia.N172=30000 Yegia.N301=14766",
+        {"PropertyEqual", D, "N158=150000 N172=30000 N301=14766",
          {{"FilingMode", kProperty}, {"MasMeuchad", 23036}, {"MasNifrad", 23036}, {"CMain.HachnasotF", 14766}}},
-        {"PropertyJointOneLess", D, "Yegia.N158=150000 Yegia.N172=30000 Yegia.N301=14765",
+        {"PropertyJointOneLess", D, "N158=150000 N172=30000 N301=14765",
          {{"FilingMode", kJoint}, {"MasMeuchad", 23035}, {"MasNifrad", 23036}, {"CMain.HachnasotF", 0}}}}),
     ruleName);
 

@@ -1,6 +1,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <sstream>
 #include <stdexcept>
@@ -22,14 +23,15 @@ inline CalcResult calc(NishumInput n, Date today = ymd(2016, 6, 30)) {
     return CalcDoch(n, ConstDoch(), flat, today);
 }
 
-// The report with fields set by name: "Yegia.N150=1000 Pratim.BirthDateM=1955-12-31
-// Pratim.isMale=0"; a date left empty is no date.
+// The report with fields set by their names, which are unique across the
+// sections: "N150=1000 BirthDateM=1955-12-31 isMale=0"; a date left empty is no date.
 inline NishumInput with(NishumInput n, const std::string& fields) {
     std::istringstream in(fields);
     for (std::string item; in >> item;) {
-        const auto dot = item.find('.'), eq = item.find('=');
-        const FieldDef* f = eq < item.size() ? findField(item.substr(0, dot), item.substr(dot + 1, eq - dot - 1)) : nullptr;
-        if (!f) throw std::invalid_argument("no field " + item);
+        const auto eq = item.find('=');
+        const auto all = allFields();
+        const auto f = std::ranges::find_if(all, [&](const FieldDef& d) { return item.substr(0, eq) == d.name; });
+        if (eq == std::string::npos || f == all.end()) throw std::invalid_argument("no field " + item);
         const std::string v = item.substr(eq + 1);
         switch (f->type) {
             case FieldType::Amount: f->ref<Amount>(n) = std::stoi(v); break;
@@ -45,12 +47,12 @@ inline NishumInput with(NishumInput n, const std::string& fields) {
 
 // A single resident man born in 1970.
 inline NishumInput single() {
-    return with({}, "Pratim.IDM=1 Pratim.isMale=1 Pratim.isRavak=1 Pratim.BirthDateM=1970-05-01 Nekudot.N020=1");
+    return with({}, "IDM=1 isMale=1 isRavak=1 BirthDateM=1970-05-01 N020=1");
 }
 
 // A married resident couple, husband registered, both born in the 1970s.
 inline NishumInput couple() {
-    return with(single(), "Pratim.isRavak=0 Pratim.isNasuy=1 Pratim.BirthDateF=1972-03-03 Klaliim.isTlutNo=1");
+    return with(single(), "isRavak=0 isNasuy=1 BirthDateF=1972-03-03 isTlutNo=1");
 }
 
 // A figure of a result: "Sheet.Field", or the filing mode and the compared sums.

@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QLocale>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -259,21 +256,10 @@ TEST_F(PrintCommand, WritesThePdfOrRefusesWithTheExitStatus) {
 }
 
 // The appendix follows the result sheets only when asked for, and shows the
-// tax due as its formula with the numbers the explain command gives.
+// tax due as its formula with its numbers: M's gross tax less the credits
+// gives the tax due (the figures of the golden calculation of the same report).
 TEST_F(PrintCommand, ExplainAddsTheAppendixWithTheFormulasNumbers) {
     const QStringList common{"--today", "2016-06-30", "--data-dir", dir.path()};
-    const QJsonObject tree =
-        QJsonDocument::fromJson(run(QStringList{"explain", kReport, "CMain.MasMagiaM", "--json", "--depth", "1"} + common).out)
-            .object()
-            .value("tree")
-            .toObject();
-    // The operands and the value, as the formula writes them ("51,438 − 10,016" and "41,422").
-    QStringList numbers;
-    for (const auto& m : QRegularExpression("[\\d,]+").globalMatch(tree.value("numbers").toString()))
-        numbers << m.captured();
-    numbers << QLocale(QLocale::English).toString(tree.value("value").toInteger());
-    ASSERT_EQ(numbers.size(), 3) << numbers.join(' ').toStdString();
-
     const QString with = dir.filePath("with.pdf"), without = dir.filePath("without.pdf");
     EXPECT_EQ(print(QStringList{"--pdf", with, "--results", "--explain"} + common).status, 0);
     EXPECT_EQ(print(QStringList{"--pdf", without, "--results"} + common).status, 0);
@@ -284,9 +270,9 @@ TEST_F(PrintCommand, ExplainAddsTheAppendixWithTheFormulasNumbers) {
     EXPECT_EQ(pages.mid(0, plain.size()), plain);
     EXPECT_TRUE(pages[plain.size()].contains("נספח הסברים"));
     const QStringList appendix = pages.mid(plain.size()).join('\n').split('\n');
-    EXPECT_TRUE(std::ranges::any_of(appendix, [&](const QString& line) {
-        return line.contains("מס מגיע") && std::ranges::all_of(numbers, [&](const QString& n) { return line.contains(n); });
-    })) << numbers.join(' ').toStdString();
+    EXPECT_TRUE(std::ranges::any_of(appendix, [](const QString& line) {
+        return line.contains("מס מגיע") && line.contains("51,438") && line.contains("10,016") && line.contains("41,422");
+    }));
 
     // Without the result sheets there is nothing to add to.
     EXPECT_EQ(print(QStringList{"--pdf", dir.filePath("x.pdf"), "--bl", "--explain"} + common).status, 2);

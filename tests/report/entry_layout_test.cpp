@@ -67,81 +67,59 @@ TEST(EntryLayout, TabPlacesAreDistinctWithinEachScreen) {
     }
 }
 
-// Where screen and paper word a block differently, each keeps its own.
-TEST(EntryLayout, BlockHeadingsLineRangesAndColumnHeads) {
+// Where screen and paper word the form differently, each keeps its own words:
+// headings and line ranges of blocks, column heads, the captions beside fields
+// and the notes between rows.
+TEST(EntryLayout, ScreenAndPaperWordTheFormEachTheirOwnWay) {
+    using enum SectionId;
+    auto block = [](SectionId id, std::size_t i) -> const EntryBlock& { return entryLayout(id).blocks[i]; };
+    // The text row right before the row of a field.
+    auto note = [](SectionId id, const char* field) -> const EntryRow& {
+        const FieldPlace p = findPlace(id, field);
+        EXPECT_TRUE(p.row > p.block->rows.data() && (p.row - 1)->cells.empty()) << field;
+        return *(p.row - 1);
+    };
     const struct {
-        SectionId section;
-        std::size_t block;
-        const char *screen, *paper, *screenLines, *paperLines;
+        const char* what;
+        Words words;
+        const char *screen, *paper;
     } cases[] = {
-        {SectionId::Pratim, 1, "פרטי הגשה והמסייע", "פרטי הגשה והמסייע", "", ""},
-        {SectionId::Yegia, 1, "ד. הכנסות חייבות בשיעורי מס רגילים", "ד. הכנסות מרכוש בשיעורי מס רגילים",
-         "סעיפים 8-11", "סעיפים 8-11"},
-        {SectionId::Pturot, 4, "יא. פרטים נוספים", "יא. פרטים נוספים", "סעיפים 40-41", "סעיפים 40-41"},
-        {SectionId::Zikuim, 0, "יד. זיכויים", "יד. זיכויים", "סעיפים 65-73", "סעיפים 62-69"},
-        {SectionId::Tashlumim, 0, "טו. מחזור למקדמות, ניכויים במקור, מס שבח וחשבון בנק", "טו. ניכוי במקור ותשלומים",
-         "סעיפים 74-79", "סעיפים 74-79"},
+        {"heading", block(Yegia, 1).heading, "ד. הכנסות חייבות בשיעורי מס רגילים", "ד. הכנסות מרכוש בשיעורי מס רגילים"},
+        {"heading", block(Tashlumim, 0).heading, "טו. מחזור למקדמות, ניכויים במקור, מס שבח וחשבון בנק",
+         "טו. ניכוי במקור ותשלומים"},
+        {"lines", block(Zikuim, 0).lines, "סעיפים 65-73", "סעיפים 62-69"},
+        {"column", block(Rechush, 0).columns[1].text, "\"בן הזוג הרשום\"", ""},  // paper prints no heads there
+        {"column", block(Tashlumim, 0).columns[0].text, "מגיש הדו\"ח", "מגיש הדו\"ח"},
+        {"note", note(Nikuim, "N005").caption, "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב :",
+         "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב"},
+        {"note", note(Pturot, "N079").caption, "41. יתרות להעברה לשנת המס הבאה :", "41. יתרות להעברה לשנת המס הבאה :"},
+        {"row", findPlace(Nekudot, "N260_1").row->caption, "58. ילדים סמוכים שגילם בשנת המס :",
+         "58. ילדים סמוכים שגילם בשנת המס:"},
     };
     for (const auto& c : cases) {
-        const auto blocks = entryLayout(c.section).blocks;
-        ASSERT_LT(c.block, blocks.size()) << sectionDef(c.section).name;
-        const EntryBlock& b = blocks[c.block];
-        EXPECT_STREQ(b.heading.screen, c.screen);
-        EXPECT_STREQ(b.heading.paper, c.paper);
-        EXPECT_STREQ(b.lines.screen, c.screenLines);
-        EXPECT_STREQ(b.lines.paper, c.paperLines);
+        EXPECT_STREQ(c.words.screen, c.screen) << c.what;
+        EXPECT_STREQ(c.words.paper, c.paper) << c.what;
     }
-    auto heads = [](SectionId id, bool screen) {
-        std::vector<std::string> out;
-        for (const ColumnHead& h : entryLayout(id).blocks[0].columns) out.push_back(screen ? h.text.screen : h.text.paper);
-        return out;
-    };
-    using V = std::vector<std::string>;
-    EXPECT_EQ(heads(SectionId::Rechush, true), (V{"שני בני הזוג", "\"בן הזוג הרשום\"", "בן/בת הזוג"}));
-    EXPECT_EQ(heads(SectionId::Rechush, false), (V{"", "", ""}));  // paper prints no heads there
-    EXPECT_EQ(heads(SectionId::Tashlumim, true), (V{"מגיש הדו\"ח", "בן/בת הזוג", "סה\"כ"}));
-    EXPECT_STREQ(entryLayout(SectionId::Nikuim).blocks[0].columns[1].sub, "הסכום ששולם");
-}
+    EXPECT_STREQ(block(Nikuim, 0).columns[1].sub, "הסכום ששולם");
+    // The second line of the caption of line 74 is paper's alone.
+    const EntryRow& more = note(Tashlumim, "N042M");
+    EXPECT_EQ(more.medium, Medium::Paper);
+    EXPECT_STREQ(more.caption.paper, "ריבית ואחרות במס רגיל (ללא מע\"מ)");
 
-// A field's own caption, else its row's; paper words some rows differently.
-TEST(EntryLayout, ScreenAndPaperCaptions) {
-    const std::vector<std::tuple<SectionId, const char*, const char*, const char*>> rows = {
-        {SectionId::Pratim, "IDM", "ת.ז. :", "ת.ז.: "},
-        {SectionId::Pratim, "isGarush", "גרוש/פרוד", "גרוש/פרוד"},
-        {SectionId::Yegia, "N372", "ב. פריסת מענק פרישה משנים קודמות :", "5ב. פריסת מענק פרישה משנים קודמות"},
-        {SectionId::Yegia, "N305", "11. אחרות שאינן מיגיעה אישית", "11. רכוש אחר / ריבית"},
-        {SectionId::Rechush, "AcheretF", "25. אחרת בשיעור מס מוגבל %", "25. אחרת בשיעור מס מוגבל "},
-        {SectionId::Pturot, "N309", "בן/בת הזוג :", "בן/בת הזוג"},
-        {SectionId::Nekudot, "N260_5", "17-6", "17-6"},
-        {SectionId::Zikuim, "AcherimText", "פרט", "פרוט: "},
-        {SectionId::Tashlumim, "N294", "74. סך מחזור מעסק, השכרה, ריבית, ואחרות במס רגיל (ללא מע\"מ)",
-         "74. סך מחזור מעסק, השכרה,"},
-        {SectionId::Klaliim, "isHaklai", "ניהלתי משק חקלאי / שטח מעובד - מצ\"ב דו\"ח משק חקלאי (טופס 1220)",
+    // Beside a field, its own caption or else its row's.
+    const std::vector<std::tuple<SectionId, const char*, const char*, const char*>> fields = {
+        {Pratim, "IDM", "ת.ז. :", "ת.ז.: "},
+        {Yegia, "N372", "ב. פריסת מענק פרישה משנים קודמות :", "5ב. פריסת מענק פרישה משנים קודמות"},
+        {Yegia, "N305", "11. אחרות שאינן מיגיעה אישית", "11. רכוש אחר / ריבית"},
+        {Rechush, "AcheretF", "25. אחרת בשיעור מס מוגבל %", "25. אחרת בשיעור מס מוגבל "},
+        {Zikuim, "AcherimText", "פרט", "פרוט: "},
+        {Klaliim, "isHaklai", "ניהלתי משק חקלאי / שטח מעובד - מצ\"ב דו\"ח משק חקלאי (טופס 1220)",
          " ניהלתי משק חקלאי / שטח מעובד -\n מצ\"ב דו\"ח משק חקלאי (טופס 1220)"},
     };
-    for (const auto& [section, field, screen, paper] : rows) {
+    for (const auto& [section, field, screen, paper] : fields) {
         EXPECT_EQ(caption(section, field, true), screen) << field;
         EXPECT_EQ(caption(section, field, false), paper) << field;
     }
-    EXPECT_STREQ(findPlace(SectionId::Nekudot, "N260_1").row->caption.screen, "58. ילדים סמוכים שגילם בשנת המס :");
-}
-
-TEST(EntryLayout, PlainHeadingsAndNotes) {
-    // A text row stands right before the row of the field named.
-    auto noteBefore = [](SectionId id, const char* field) -> const EntryRow& {
-        const FieldPlace p = findPlace(id, field);
-        EXPECT_GT(p.row, p.block->rows.data()) << field;
-        const EntryRow& note = *(p.row - 1);
-        EXPECT_TRUE(note.cells.empty()) << field;
-        return note;
-    };
-    EXPECT_STREQ(noteBefore(SectionId::Nikuim, "N005").caption.screen, "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב :");
-    EXPECT_STREQ(noteBefore(SectionId::Nikuim, "N005").caption.paper, "בסעיפים 48-50 יש לרשום סכום הניכוי המחושב");
-    EXPECT_STREQ(noteBefore(SectionId::Pturot, "N079").caption.screen, "41. יתרות להעברה לשנת המס הבאה :");
-    // The second line of the caption of line 74 is paper's alone.
-    const EntryRow& more = noteBefore(SectionId::Tashlumim, "N042M");
-    EXPECT_EQ(more.medium, Medium::Paper);
-    EXPECT_STREQ(more.caption.paper, "ריבית ואחרות במס רגיל (ללא מע\"מ)");
 }
 
 TEST(Catalogue, OptionGroupsHoldTwoOrMoreOptionsOfOneRow) {
