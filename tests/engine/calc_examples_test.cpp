@@ -8,7 +8,6 @@ namespace {
 INSTANTIATE_TEST_SUITE_P(
     WorkedExamples, Rules,
     ::testing::ValuesIn(std::vector<RuleCase>{
-        // Deductions larger than regular income eat the special-rate lines, 35% ones last.
         {"IncomeWithDeductionsLargerThanRegularIncome", Single,
          "N158=120000 N201=30000 N213=40000 N214=10000 N211=50000 "
          "N116=200000",
