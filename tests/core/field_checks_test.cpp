@@ -66,20 +66,13 @@ TEST(FieldChecks, DatesShowDayMonthYear) {
 }
 
 TEST(FieldChecks, DisabledCeiling) {
-    const Amount ceiling = 614400;
-    const struct {
-        const char* typed;
-        bool accepted;
-        const char* shown;
-    } cases[] = {{"614400", true, "614,400"}, {"614,400.4", true, "614,400"}, {"", true, ""},
-                 {"614401", false, "614,401"}, {"614400.5", false, "614,401"}, {"bad", false, "bad"}};
-    for (const auto& c : cases) {
-        const FieldOutcome out = CheckCeilingField(c.typed, ceiling);
-        EXPECT_EQ(out.accepted, c.accepted) << c.typed;
-        EXPECT_EQ(out.text, c.shown) << c.typed;
-    }
-    EXPECT_EQ(CheckCeilingField("614401", ceiling).message, "הכנסת נכה 100% גבוהה מהתקרה בסך 614,400 ש\"ח");
-    EXPECT_EQ(CheckCeilingField("bad", ceiling).message, kBadAmountText);
+    auto check = [](std::string_view typed) { return CheckCeilingField(typed, 614400); };
+    expectOutcomes(check, "הכנסת נכה 100% גבוהה מהתקרה בסך 614,400 ש\"ח",
+                   {{"614400", true, "614,400"}, {"614,400.4", true, "614,400"}, {"", true, ""},
+                    {"614401", false, "614,401"}, {"614400.5", false, "614,401"}});
+    EXPECT_FALSE(check("bad").accepted);
+    EXPECT_EQ(check("bad").text, "bad");
+    EXPECT_EQ(check("bad").message, kBadAmountText);
 }
 
 TEST(FieldChecks, InsuredIncomeAgainstTheSalaries) {
@@ -98,11 +91,9 @@ TEST(FieldChecks, InsuredIncomeAgainstTheSalaries) {
 }
 
 TEST(FieldChecks, GroupedFormat) {
-    EXPECT_EQ(FormatGrouped(0), "0");
-    EXPECT_EQ(FormatGrouped(999), "999");
-    EXPECT_EQ(FormatGrouped(1234567), "1,234,567");
-    EXPECT_EQ(FormatGrouped(-1500), "-1,500");
-    EXPECT_EQ(FormatGrouped(4294967294LL), "4,294,967,294");
+    for (const auto& [value, text] : {std::pair<long long, const char*>{0, "0"}, {999, "999"}, {1234567, "1,234,567"},
+                                      {-1500, "-1,500"}, {4294967294LL, "4,294,967,294"}})
+        EXPECT_EQ(FormatGrouped(value), text) << value;
 }
 
 }  // namespace

@@ -5,58 +5,25 @@
 namespace zelmor::testing {
 namespace {
 
-TEST(WorkedExamples, IncomeWithDeductionsLargerThanRegularIncome) {
-    NishumInput n = single();
-    n.Yegia.N158 = 120000;
-    n.Yegia.N201 = 30000;
-    n.Rechush.N213 = 40000;
-    n.Rechush.N214 = 10000;
-    n.Rechush.N211 = 50000;
-    n.Nikuim.N116 = 200000;
-    const CalcResult r = calc(n);
-    EXPECT_EQ(r.FilingMode, ModeSingle);
-    EXPECT_EQ(r.out.Hachnasot.N213A, 17880);
-    EXPECT_EQ(r.out.Hachnasot.N214A, 0);
-    EXPECT_EQ(r.out.Meyuchad.N213B, 22120);  // what stays at 35%
-    EXPECT_EQ(r.out.Meyuchad.N214B, 10000);
-    EXPECT_EQ(r.out.Meyuchad.NET_214B, 0);
-    EXPECT_EQ(r.out.Meyuchad.NET_213B, 0);
-    EXPECT_EQ(r.out.Meyuchad.NET_211, 50000);
-    EXPECT_EQ(r.out.Nikuim.TTLM1, 200000);
-    EXPECT_EQ(r.out.Nikuim.TTLM3, 120000 + 47880);  // both scales used up
-    EXPECT_EQ(r.out.Nikuim.TTLM0, 0);
-    EXPECT_EQ(r.out.Hishuv.MSUM_TTL, 0);
-}
-
-TEST(WorkedExamples, EarnedLossEatsPropertyThenSpecialRateLines) {
-    NishumInput n = single();
-    n.Yegia.YegiaM = -50000;
-    n.Yegia.N201 = 20000;
-    n.Rechush.N211 = 100000;
-    n.Rechush.N241 = 10000;
-    const CalcResult r = calc(n);
-    EXPECT_EQ(r.out.Hishuv.MSUM_TTL, 0);
-    EXPECT_EQ(r.out.Meyuchad.NET_241, 0);
-    EXPECT_EQ(r.out.Meyuchad.NET_211, 80000);
-    EXPECT_EQ(r.out.Meyuchad.MAS_211, 12000);
-}
-
-TEST(WorkedExamples, DeductionsInTheirOrder) {
-    NishumInput n = single();
-    n.Yegia.N150 = 300000;
-    n.Nikuim.N136 = 20000;
-    n.Nikuim.N112 = 5000;
-    n.Nikuim.N135 = 30000;
-    n.Nikuim.N030 = 25000;
-    const CalcResult r = calc(n);
-    const auto& k = r.out.Nikuim;
-    EXPECT_EQ(k.N136H, 11835);
-    EXPECT_EQ(k.N112H, 5000);
-    EXPECT_EQ(k.N135H, 22968);  // the second pension limit beats the general one (16236)
-    EXPECT_EQ(k.N030H, 13000);
-    EXPECT_EQ(k.TTLM1, 52803);
-    EXPECT_EQ(r.out.Main.HachnasaNetM, 247197);
-}
+INSTANTIATE_TEST_SUITE_P(
+    WorkedExamples, Rules,
+    ::testing::ValuesIn(std::vector<RuleCase>{
+        {"IncomeWithDeductionsLargerThanRegularIncome", Single,
+         "N158=120000 N201=30000 N213=40000 N214=10000 N211=50000 "
+         "N116=200000",
+         {{"FilingMode", ModeSingle}, {"CHachnasot.N213A", 17880}, {"CHachnasot.N214A", 0},
+          {"CMeyuchad.N213B", 22120} /* what stays at 35% */, {"CMeyuchad.N214B", 10000},
+          {"CMeyuchad.NET_214B", 0}, {"CMeyuchad.NET_213B", 0}, {"CMeyuchad.NET_211", 50000},
+          {"CNikuim.TTLM1", 200000}, {"CNikuim.TTLM3", 120000 + 47880} /* both scales used up */,
+          {"CNikuim.TTLM0", 0}, {"CHishuv.MSUM_TTL", 0}}},
+        {"EarnedLossEatsPropertyThenSpecialRateLines", Single, "YegiaM=-50000 N201=20000 N211=100000 N241=10000",
+         {{"CHishuv.MSUM_TTL", 0}, {"CMeyuchad.NET_241", 0}, {"CMeyuchad.NET_211", 80000},
+          {"CMeyuchad.MAS_211", 12000}}},
+        // The second pension limit beats the general one (16,236).
+        {"DeductionsInTheirOrder", Single, "N150=300000 N136=20000 N112=5000 N135=30000 N030=25000",
+         {{"CNikuim.N136H", 11835}, {"CNikuim.N112H", 5000}, {"CNikuim.N135H", 22968}, {"CNikuim.N030H", 13000},
+          {"CNikuim.TTLM1", 52803}, {"CMain.HachnasaNetM", 247197}}}}),
+    ruleName);
 
 struct BracketCase {
     std::int32_t Y, L;
@@ -69,18 +36,13 @@ class BracketTax : public ::testing::TestWithParam<BracketCase> {};
 
 TEST_P(BracketTax, SpreadsEarnedAndStackedIncome) {
     const BracketCase& bc = GetParam();
-    NishumInput n = single();
-    n.Yegia.N158 = bc.Y;
-    n.Yegia.N201 = bc.L;
-    const auto& h = calc(n).out.Hishuv;
-    const Amount sums[] = {h.MSUM_1, h.MSUM_2, h.MSUM_3, h.MSUM_4, h.MSUM_5, h.MSUM_6, h.MSUM_7};
-    const Amount taxes[] = {h.MMAS_1, h.MMAS_2, h.MMAS_3, h.MMAS_4, h.MMAS_5, h.MMAS_6, h.MMAS_7};
+    const CalcResult r = calc(with(single(), "N158=" + std::to_string(bc.Y) + " N201=" + std::to_string(bc.L)));
     for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(sums[i], bc.sums[i]) << "bracket " << i + 1;
-        EXPECT_EQ(taxes[i], bc.taxes[i]) << "bracket " << i + 1;
+        EXPECT_EQ(figure(r, "CHishuv.MSUM_" + std::to_string(i + 1)), bc.sums[i]) << "bracket " << i + 1;
+        EXPECT_EQ(figure(r, "CHishuv.MMAS_" + std::to_string(i + 1)), bc.taxes[i]) << "bracket " << i + 1;
     }
-    EXPECT_EQ(h.MMAS_TTL, bc.total);
-    EXPECT_EQ(h.MSUM_TTL, bc.Y + bc.L);
+    EXPECT_EQ(r.out.Hishuv.MMAS_TTL, bc.total);
+    EXPECT_EQ(r.out.Hishuv.MSUM_TTL, bc.Y + bc.L);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -96,24 +58,6 @@ INSTANTIATE_TEST_SUITE_P(
         BracketCase{63240, 0, {63240, 0, 0, 0, 0, 0, 0}, {6324, 0, 0, 0, 0, 0, 0}, 6324},
         BracketCase{900000, 10000, {63240, 44760, 59880, 71880, 261720, 309240, 99280},
                     {6324, 6266, 12575, 22283, 88985, 148435, 49640}, 334508}));
-
-TEST(WorkedExamples, InterestAndLinkage) {
-    sheets::CMain m;
-    m.MasLetashlumTTL = 10000;
-    m.MasLetashlumM = 10000;
-    FixedMadad flat;
-    const Date day = Date::fromSerial(ConstDoch().RIBITBASICDATE().serial() + 365);
-    CalcRibit(m, day, ConstDoch(), flat, day);
-    EXPECT_EQ(m.Ribit, 400);
-    EXPECT_EQ(m.Itra, 10400);
-
-    FixedMadad rising(100.0);
-    rising.set(2016, 11, 101.0);  // the index of the date is November's: up 1%
-    CalcRibit(m, day, ConstDoch(), rising, day);
-    EXPECT_EQ(m.Ribit, 504);
-    EXPECT_EQ(m.RibitDate, day);
-    EXPECT_EQ(m.ItraDate, day);
-}
 
 }  // namespace
 }  // namespace zelmor::testing

@@ -1,6 +1,8 @@
 // Interest and linkage of the balance: the index month a date looks at, the
 // exemption early in the next year, and the start date.
 
+#include <tuple>
+
 #include "engine/calc_test_util.h"
 
 namespace zelmor::testing {
@@ -10,22 +12,10 @@ namespace {
 // looks at November 2015; its neighbours differ so that a wrong month shows.
 FixedMadad risingIndex() {
     FixedMadad m(90.0);
-    m.set(2015, 10, 99.0);
-    m.set(2015, 11, 100.0);
-    m.set(2015, 12, 101.0);
-    m.set(2016, 3, 101.5);
-    m.set(2016, 4, 102.0);
-    m.set(2016, 5, 103.0);
-    m.set(2016, 6, 104.0);
+    for (auto [y, month, value] : {std::tuple{2015, 10, 99.0}, {2015, 11, 100.0}, {2015, 12, 101.0}, {2016, 3, 101.5},
+                                   {2016, 4, 102.0}, {2016, 5, 103.0}, {2016, 6, 104.0}})
+        m.set(y, month, value);
     return m;
-}
-
-// Rent is taxed at 10% whatever the credits: a debt of exactly 36,500, whose
-// interest is 4 shekels a day.
-NishumInput rentDebt() {
-    NishumInput n = single();
-    n.Rechush.N222 = 365000;
-    return n;
 }
 
 // Up to the 14th a date takes the index of two months back, from the 15th one
@@ -43,11 +33,11 @@ TEST(InterestAndLinkage, TodayPicksTheIndexMonth) {
         {ymd(2016, 8, 14), 908 + 1460 + 36},  // June
         {ymd(2016, 8, 15), 912 + 1460 + 36},  // July not published: June's index, the interest goes on
     };
-    const FixedMadad madad = risingIndex();
-    NishumInput n = rentDebt();
+    // Rent is taxed at 10% whatever the credits: a debt of exactly 36,500, whose interest is 4 shekels a day.
+    NishumInput n = with(single(), "N222=365000");
     WorkOutDerived(n);
     for (const Case& c : cases) {
-        const CalcResult r = CalcDoch(n, ConstDoch(), madad, c.today);
+        const CalcResult r = CalcDoch(n, ConstDoch(), risingIndex(), c.today);
         const auto& m = r.out.Main;
         ASSERT_EQ(m.MasLetashlumTTL, 36500);
         EXPECT_EQ(m.Ribit, c.ribit) << formatIsoDate(c.today);
@@ -77,6 +67,7 @@ TEST(InterestAndLinkage, ExemptionAndStart) {
         {ymd(2016, 2, 2), 9125, 9125, 17, 16},        // 33 days of 1 a day: the half rounded to even
         {ymd(2016, 3, 31), 36500, 36500, 273, 91},    // March: a quarter
         {ymd(2016, 4, 1), 36500, 36500, 368, 0},      // April: none
+        {ymd(2016, 12, 30), 10000, 10000, 400, 0},    // a year: 4%
         {ymd(2017, 1, 31), 36500, 36500, 1588, 0},    // January of a later year: none
     };
     const FixedMadad flat;

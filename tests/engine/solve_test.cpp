@@ -43,27 +43,21 @@ TEST(Solve, TargetHitOnTheFirstMeanTakesOneTrial) {
 }
 
 TEST(Solve, RefusesABalanceBelowMinusThePayments) {
-    NishumInput n = single();
-    n.Yegia.N150 = 100000;
-    n.Tashlumim.N042M = 5000;
-    const SimResult r = simulate(SimQuestion::IncomeForBalance, -5001, n);
+    const SimResult r = simulate(SimQuestion::IncomeForBalance, -5001, with(single(), "N150=100000 N042M=5000"));
     EXPECT_TRUE(r.isSimFail);
     EXPECT_EQ(r.message, "לא ניתן להגיע ליתרת החזר גבוהה מהסכומים ששולמו בפועל ע\"ח המס");
     EXPECT_EQ(r.SimCount, 0);
 }
 
 TEST(Solve, RefusesABalanceThatOtherIncomeAlreadyExceeds) {
-    NishumInput n = single();
-    n.Yegia.N150 = 100000;
-    n.Yegia.N158 = 300000;  // the salary alone gives more tax than the target
-    const SimResult r = simulate(SimQuestion::IncomeForBalance, 1000, n);
+    // The salary alone gives more tax than the target.
+    const SimResult r = simulate(SimQuestion::IncomeForBalance, 1000, with(single(), "N150=100000 N158=300000"));
     EXPECT_TRUE(r.isSimFail);
     EXPECT_EQ(r.message, "לא ניתן להגיע ליתרת התשלום הנדרשת, גם כאשר הכנסה מעסק = 0");
 }
 
 TEST(Solve, TaxPaidOfZeroEndsAtTheHighestIncomeWithNoTax) {
-    NishumInput n = single();
-    n.Yegia.N150 = 50000;
+    const NishumInput n = with(single(), "N150=50000");
     const SimResult r = simulate(SimQuestion::IncomeForTaxPaid, 0, n);
     ASSERT_FALSE(r.isSimFail);
     EXPECT_EQ(taxWith(n, r.SimValue), 0);
@@ -74,11 +68,7 @@ TEST(Solve, TaxChangeBetweenTwoTaxStepsRunsOut) {
     // The spouse born in 1950 has only the earned scale; the couple's property
     // goes to whoever earned more, so when the business income passes the
     // spouse's salary the tax jumps.
-    NishumInput n = couple();
-    n.Pratim.BirthDateF = ymd(1950, 5, 5);
-    n.Yegia.N150 = 70000;
-    n.Yegia.N172 = 100000;
-    n.Yegia.N059 = 300000;
+    const NishumInput n = with(couple(), "BirthDateF=1950-05-05 N150=70000 N172=100000 N059=300000");
     const Amount before = taxWith(n, 99999), after = taxWith(n, 100000);
     ASSERT_GT(after - before, 1);
     const Amount base = taxWith(n, 70000);
@@ -91,8 +81,7 @@ TEST(Solve, TaxChangeBetweenTwoTaxStepsRunsOut) {
 }
 
 TEST(Solve, TaxChangeFindsTheIncome) {
-    NishumInput n = single();
-    n.Yegia.N150 = 150000;
+    const NishumInput n = with(single(), "N150=150000");
     const SimResult r = simulate(SimQuestion::TaxChange, 3000, n);
     ASSERT_FALSE(r.isSimFail);
     EXPECT_EQ(taxWith(n, r.SimValue), taxWith(n, 150000) + 3000);
@@ -100,9 +89,7 @@ TEST(Solve, TaxChangeFindsTheIncome) {
 }
 
 TEST(Solve, IncomeChangeOfZeroChangesNothing) {
-    NishumInput n = single();
-    n.Yegia.N150 = 150000;
-    n.Tashlumim.MikdamotM = 10000;
+    const NishumInput n = with(single(), "N150=150000 MikdamotM=10000");
     const SimResult r = simulate(SimQuestion::IncomeChange, 0, n);
     EXPECT_EQ(r.SimHefresh, 0);
     EXPECT_EQ(r.SimValue, r.SimBase);

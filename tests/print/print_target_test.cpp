@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -113,25 +112,4 @@ TEST(PdfFileTarget, APlaceThatCannotTakeTheFileIsNamedBeforePrinting) {
         EXPECT_TRUE(error.contains(QString::fromUtf8(c.says))) << error.toStdString();
     }
     EXPECT_TRUE(QFileInfo(folder).isDir());
-}
-
-TEST(PrintCommand, PdfToStandardOutputAndNoPrinterTalkForABadFile) {
-    const QString cli = QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli");
-    if (!QFile::exists(cli)) GTEST_SKIP() << "zelmor-cli is not built";
-    QTemporaryDir dir;
-    auto run = [&](const QString& pdf) {
-        QProcess p;
-        p.start(cli, {QStringLiteral("print"), QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json"),
-                      QStringLiteral("--report"), QStringLiteral("--pdf"), pdf, QStringLiteral("--data-dir"),
-                      dir.path()});
-        EXPECT_TRUE(p.waitForFinished(60000));
-        return std::tuple{p.exitCode(), p.readAllStandardOutput(), QString::fromUtf8(p.readAllStandardError())};
-    };
-    const auto [status, out, err] = run(QStringLiteral("-"));
-    EXPECT_EQ(status, 0) << err.toStdString();
-    EXPECT_TRUE(isPdf(out));
-    const auto [badStatus, badOut, badErr] = run(dir.path());
-    EXPECT_EQ(badStatus, 1);
-    EXPECT_TRUE(badErr.contains(dir.path() + QStringLiteral(": is a folder"))) << badErr.toStdString();
-    EXPECT_FALSE(badErr.contains(QStringLiteral("מדפסת"))) << badErr.toStdString();
 }

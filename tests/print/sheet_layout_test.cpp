@@ -1,9 +1,13 @@
-// The sheets' layout data, which screen and paper share: the walk places every
-// row it can show, in order and at the distances the sheets are drawn with,
-// the boxes of a block do not overlap, and captions made from values read right.
+// The sheets' row tables and layout data, which screen and paper share: rows
+// name fields of their sheet and show by the sums of their fields, the walk
+// places every row it can show, in order and at the distances the sheets are
+// drawn with, the boxes of a block do not overlap, and captions made from
+// values read right.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <set>
 
 #include "results/sheet_layout.h"
 
@@ -38,6 +42,46 @@ bool overlap(Box a, Box b) { return a.from < b.to && b.from < a.to; }
 
 }  // namespace
 
+TEST(SheetRows, EveryNamedFieldBelongsToItsSheetAndKeysAreUnique) {
+    for (const SheetDef& sheet : allSheets()) {
+        std::set<std::string> keys;
+        ASSERT_FALSE(sheetRows(sheet.id).empty()) << sheet.name;
+        auto known = [&](const char* f) { EXPECT_TRUE(!f || findSheetField(sheet.name, f)) << sheet.name << "." << f; };
+        for (const SheetRow& row : sheetRows(sheet.id)) {
+            EXPECT_TRUE(keys.insert(row.key).second) << sheet.name << " repeats the key " << row.key;
+            std::ranges::for_each(row.fields, known);
+            std::ranges::for_each(row.test, known);
+        }
+    }
+}
+
+TEST(SheetRows, ShowTestsReadTheSumsOfTheirFields) {
+    NishumOutput out;
+    auto shown = [&](SheetId sheet, const char* key, int year = 2015) {
+        return rowShown(out, sheet, *findSheetRow(sheet, key), year);
+    };
+    // A deduction that wipes out the income still shows the special-rate row.
+    out.Meyuchad.N214B = 500;
+    EXPECT_FALSE(shown(SheetId::CMeyuchad, "214B"));
+    out.Meyuchad.NIKUY_214B = 500;
+    EXPECT_TRUE(shown(SheetId::CMeyuchad, "214B"));
+    // Rent has no gross: its net amount alone decides, not its rate.
+    out.Meyuchad.RATE_222 = 10;
+    EXPECT_FALSE(shown(SheetId::CMeyuchad, "222"));
+    out.Meyuchad.NET_222 = 1;
+    EXPECT_TRUE(shown(SheetId::CMeyuchad, "222"));
+    // A points row with one key tests the registered spouse's credit only.
+    out.Zikuim.ZIKUY_028M = 0.5;
+    EXPECT_TRUE(shown(SheetId::CZikuim, "028M"));
+    // A total shows where it differs from the sum it repeats.
+    out.Nikuim.TTLM1 = out.Nikuim.TTLM3 = 700;
+    EXPECT_FALSE(shown(SheetId::CNikuim, "TTL3"));
+    out.Nikuim.TTLF3 = 1;
+    EXPECT_TRUE(shown(SheetId::CNikuim, "TTL3"));
+    EXPECT_FALSE(shown(SheetId::CMain, "Hetel"));
+    EXPECT_TRUE(shown(SheetId::CMain, "Hetel", 2002));
+}
+
 TEST(SheetLayout, TheWalkPlacesEveryRowOnceInOrder) {
     NishumOutput out = filled(1);
     out.Nikuim.TTLM3 = 2;  // the last deductions total shows only when it differs
@@ -51,13 +95,9 @@ TEST(SheetLayout, TheWalkPlacesEveryRowOnceInOrder) {
             ++rows;
         }
         // Every row but the levy of another tax year.
-        int expected = 0;
-        for (const SheetRow& r : sheetRows(s.id)) expected += r.show != RowShow::Year2002;
-        EXPECT_EQ(rows, expected);
-        for (const Walk& w : sheetLayout(s.id).walk)
-            if (*w.key) {
-                EXPECT_NE(findSheetRow(s.id, w.key), nullptr) << w.key;
-            }
+        EXPECT_EQ(rows, std::ranges::count_if(sheetRows(s.id), [](const SheetRow& r) { return r.show != RowShow::Year2002; }));
+        // A gap or rule that names no row would silently go.
+        for (const Walk& w : sheetLayout(s.id).walk) EXPECT_TRUE(!*w.key || findSheetRow(s.id, w.key)) << w.key;
     }
 }
 
@@ -114,32 +154,18 @@ TEST(SheetLayout, BoxesOfABlockDoNotOverlap) {
     }
 }
 
-TEST(SheetLayout, TitlesDecimalsAndCaptionsMadeFromValues) {
-    EXPECT_EQ(screenTitle(SheetId::CTashlumim, kParams), "תשלומים על חשבון המס לשנת 2015");
-    EXPECT_EQ(paperTitle(SheetId::CTashlumim, kParams), "6. תשלומים על חשבון המס לשנת 2015");
-    EXPECT_EQ(paperTitle(SheetId::CHachnasot, kParams), "1. הכנסות בשיעורי מס רגילים");
-    EXPECT_EQ(screenTitle(SheetId::CMain, kParams), "חישוב המס המגיע לשנת 2015");
-
+// Texts made from values; the paper's titles and captions are read back in the paper tests.
+TEST(SheetLayout, TitlesAndCaptionsMadeFromValues) {
+    EXPECT_EQ(screenTitle(SheetId::CTashlumim, kParams), "תשלומים על חשבון המס לשנת 2015");  // no number on screen
     NishumOutput out;
-    out.Zikuim.NEKUDA_020M = 2.25;
-    out.Zikuim.ZIKUY_020M = 5886;
-    const SheetRow& points = *findSheetRow(SheetId::CZikuim, "020M");
-    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 0), "2.25");
-    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 1), "5,886");
-    EXPECT_EQ(cellText(out, SheetId::CZikuim, points, 2), "");  // a zero is a blank
-
-    const SheetRow& azmai = *findSheetRow(SheetId::CBL, "AZMAI_MUF");
-    EXPECT_EQ(rowCaption(out, SheetId::CBL, azmai, Medium::Screen, kParams), "\"עובד עצמאי\" 2.87%");
-    EXPECT_EQ(rowCaption(out, SheetId::CHishuv, *findSheetRow(SheetId::CHishuv, "3"), Medium::Paper, kParams),
-              "21.00%");
-
-    out.Main.RibitDate = *Date::fromYmd(2016, 6, 30);
+    EXPECT_EQ(cellText(out, SheetId::CZikuim, *findSheetRow(SheetId::CZikuim, "020M"), 1), "");  // a zero is a blank
+    EXPECT_EQ(rowCaption(out, SheetId::CBL, *findSheetRow(SheetId::CBL, "AZMAI_MUF"), Medium::Screen, kParams),
+              "\"עובד עצמאי\" 2.87%");
     const SheetRow& ribit = *findSheetRow(SheetId::CMain, "Ribit");
+    out.Main.RibitDate = *Date::fromYmd(2016, 6, 30);
     EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams), "ריבית והצמדה ליום 30/06/2016");
     EXPECT_EQ(exemptionText(out.Main), "");
     out.Main.PtorRibit = 1234;
-    EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Paper, kParams),
-              "ריבית והצמדה ליום 30/06/2016 בניכוי פטור 1,234");
     EXPECT_EQ(rowCaption(out, SheetId::CMain, ribit, Medium::Screen, kParams), "ריבית והצמדה ליום");
     EXPECT_EQ(exemptionText(out.Main), "בניכוי פטור 1,234");
 }

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 namespace zelmor {
@@ -43,13 +41,6 @@ NishumInput everyMemberSet() {
     return n;
 }
 
-TEST(ReportDocument, LeftOutMembersAndSectionsTakeTheNewReportValues) {
-    NishumInput expected;
-    expected.Yegia.N150 = expected.Yegia.TTLM = 5;
-    EXPECT_EQ(writeReportDocument(parseReportDocument(doc(R"("Yegia":{"N150":5},"Klaliim":{})")), false),
-              writeReportDocument(expected, false));
-}
-
 TEST(ReportDocument, ReadsEachTypeAndWorksOutDerivedMembersAcceptingThemWhenTheyAgree) {
     const NishumInput n = parseReportDocument(doc(
         R"("Pratim":{"LastNameM":"כהן","BirthDateM":"1970-03-15","BirthDateF":null,"DochDate":"","isMale":true},)"
@@ -83,30 +74,19 @@ TEST(ReportDocument, WrittenDocumentReadsBackToTheSameReport) {
     }
 }
 
-TEST(ReportDocument, TheExampleIsNormalised) {
-    std::ifstream in(std::string(ZELMOR_SOURCE_DIR) + "/examples/couple.json", std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    EXPECT_EQ(writeReportDocument(parseReportDocument(text.str()), true) + "\n", text.str());
-}
-
-TEST(ReportDocument, WritesMembersInCatalogueOrderNoDateAsNullAndRefusesTextThatIsNotUtf8) {
+TEST(ReportDocument, RefusesToWriteTextThatIsNotUtf8) {
     NishumInput n;
-    const std::string text = writeReportDocument(n, false);
-    EXPECT_EQ(text.rfind(kHead + R"(,"Pratim":{"IDM":"","LastNameM":"",)", 0), 0u) << text.substr(0, 120);
-    EXPECT_NE(text.find(R"("BirthDateM":null)"), std::string::npos);
-    EXPECT_TRUE(text.ends_with(R"(,"isIskaotZdadimHul":false}})"));
     n.Pratim.FirstNameM = "ab\xff";
     EXPECT_THROW(writeReportDocument(n, false), InputError);
 }
 
-// Each refusal names the place and what is wrong.
+// Each refusal names the place and what is wrong (the golden documents and the
+// check command show a misspelt member and a total that does not agree).
 TEST(ReportDocumentRefusal, NamesThePlaceAndTheFault) {
     const struct {
         std::string text, message;
     } cases[] = {
         // names
-        {doc(R"("Yegia":{"N15O":1})"), R"(Yegia.N15O: unknown member; did you mean "N150"?)"},
         {doc(R"("Yegia":{"N036":1})"), R"(Yegia.N036: unknown member; did you mean "Zikuim.N036"?)"},
         {doc(R"("Yegia":{"Salary":1})"), "Yegia.Salary: unknown member"},
         {doc(R"("Yegya":{})"), R"(Yegya: unknown section; did you mean "Yegia"?)"},
@@ -148,8 +128,6 @@ TEST(ReportDocumentRefusal, NamesThePlaceAndTheFault) {
         {doc(R"("Pratim":{"BirthDateM":19700315})"),
          R"(Pratim.BirthDateM: expected a date "YYYY-MM-DD" or null, got 19700315)"},
         // derived members
-        {doc(R"("Tashlumim":{"N042M":60,"N042F":30,"N042":100})"),
-         "Tashlumim.N042: given as 100 but N042M + N042F is 90"},
         {doc(R"("Nekudot":{"N260_1":1,"N260":0})"), "Nekudot.N260: given as 0 but N260_1 + N260_2 + N260_3 + "
                                                      "N260_4 + N260_5 + N260_6 is 1"},
         {doc(R"("Yegia":{"N150":2147483647,"N158":1})"),
