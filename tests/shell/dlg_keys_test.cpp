@@ -2,6 +2,7 @@
 // takes the focus (of a group of options, the chosen one) and Esc cancels.
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
 #include <QRadioButton>
 #include <QSet>
 #include <QTemporaryDir>
@@ -9,11 +10,12 @@
 
 #include "core/tax_year.h"
 #include "shell/dlg_doch_list.h"
+#include "shell/dlg_madadim.h"
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"
+#include "shell/dlg_print.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "shell/messages.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
@@ -73,6 +75,15 @@ TEST(DialogKeys, TabReachesEveryControlAndEscCancels) {
     expectKeyboardComplete(name, "user name");
     PniaDialog pnia(dir.path());
     expectKeyboardComplete(pnia, "covering letter");
+    MadadimDialog madadim(madad);
+    expectKeyboardComplete(madadim, "index table");
+
+    NishumOutput out;
+    PrintDialog print({&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
+                      {dir.path(), today, {}});
+    for (const char* box : {"chkDetails", "chkCalc"})  // the preview and the appendix are then offered
+        print.findChild<QCheckBox*>(QLatin1String(box))->setChecked(true);
+    expectKeyboardComplete(print, "print");
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
-// Pictures of every dialog for a person to look at (clipping, right to left).
+// Pictures of every dialog and entry page for a person to look at (clipping, right to left).
 // Runs only when ZELMOR_DIALOG_SHOTS names the folder to write them to.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>
@@ -15,7 +13,7 @@
 #include "shell/dlg_pnia.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "shell/messages.h"
+#include "shell/entry_page.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
@@ -67,6 +65,12 @@ TEST(DialogShots, EveryDialog) {
     PniaDialog pnia(dir.path());
     pnia.findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
     shoot(pnia, folder, "pnia");
+
+    for (const SectionDef& s : allSections()) {
+        EntryPage page(s.id, &report);
+        page.var2Map(report);
+        savePicture(page, folder, QStringLiteral("entry-%1-%2").arg(int(s.id)).arg(QLatin1String(s.name)));
+    }
 }
 
 }  // namespace

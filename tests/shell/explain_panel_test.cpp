@@ -4,29 +4,23 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDir>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
-#include <QtTest>
 #include <deque>
 #include <functional>
 #include <memory>
 
 #include "engine/calc.h"
 #include "engine/explain.h"
-#include "engine/trace.h"
-#include "results/sheet_rows.h"
 #include "shell/dlg_test_support.h"
 #include "shell/entry_page.h"
 #include "shell/explain_panel.h"
 #include "shell/main_window.h"
-#include "shell/messages.h"
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
 #include "tables/madad_table.h"
@@ -55,32 +49,21 @@ protected:
             if (c->isVisibleTo(window_->resultView())) return c->findChild<QLabel*>(QLatin1String(field));
         return nullptr;
     }
-
-    // The first report line of the tree, opening the items on the way, whose
-    // field stands on a page other than `not`.
-    static QTreeWidgetItem* reportLine(QTreeWidget* tree, const trace::Trace& t, SectionId other) {
-        std::deque<QTreeWidgetItem*> items{tree->topLevelItem(0)};
-        while (!items.empty()) {
-            QTreeWidgetItem* item = items.front();
-            items.pop_front();
-            const int node = item->data(0, ExplainPanel::kNodeRole).toInt();
-            const trace::Node& n = t.at(node);
-            if (n.op == trace::Op::Line) {
-                const auto dot = n.source().find('.');
-                const FieldDef* f = findField(n.source().substr(0, dot), n.source().substr(dot + 1));
-                if (f && f->section != other) return item;
-            }
-            item->setExpanded(true);
-            for (int i = 0; i < item->childCount(); ++i) items.push_back(item->child(i));
-        }
-        return nullptr;
-    }
+    QString rootText() const { return window_->explainPanel()->tree()->topLevelItem(0)->text(0); }
 
     QTemporaryDir dir_;
     MessageRecorder messages_;
     std::unique_ptr<MainWindow> window_;
     NishumInput report_;
 };
+
+// The field of a report line of the explanation, or null.
+const FieldDef* fieldOf(const trace::Trace& t, const QTreeWidgetItem* item) {
+    const trace::Node& n = t.at(item->data(0, ExplainPanel::kNodeRole).toInt());
+    if (n.op != trace::Op::Line) return nullptr;
+    const auto dot = n.source().find('.');
+    return findField(n.source().substr(0, dot), n.source().substr(dot + 1));
+}
 
 TEST_F(ExplainPanelTest, F1OnAnAmountShowsItsTreeAndAReportLineLeadsToItsField) {
     QLabel* tax = amount("MasMagiaM");
@@ -114,21 +97,25 @@ TEST_F(ExplainPanelTest, F1OnAnAmountShowsItsTreeAndAReportLineLeadsToItsField) 
         EXPECT_EQ(tree->topLevelItem(1)->text(0).toStdString(), trace::formulaLine(t, t.filing));
     }
 
-    // Enter on a report line: back to editing on its page, the focus in its field.
-    QTreeWidgetItem* line = reportLine(tree, t, SectionId::Pratim);
+    // Enter on a report line of a page other than the first (opening the
+    // items on the way): back to editing on its page, the focus in its field.
+    QTreeWidgetItem* line = nullptr;
+    const FieldDef* field = nullptr;
+    for (std::deque<QTreeWidgetItem*> items{root}; !items.empty() && !line; items.pop_front()) {
+        field = fieldOf(t, items.front());
+        if (field && field->section != SectionId::Pratim) line = items.front();
+        items.front()->setExpanded(true);
+        for (int i = 0; i < items.front()->childCount(); ++i) items.push_back(items.front()->child(i));
+    }
     ASSERT_NE(line, nullptr);
-    const trace::Node& leaf = t.at(line->data(0, ExplainPanel::kNodeRole).toInt());
-    const std::string source(leaf.source());
-    const FieldDef* field = findField(source.substr(0, source.find('.')), source.substr(source.find('.') + 1));
-    ASSERT_NE(field, nullptr);
     tree->setCurrentItem(line);
     QTest::keyClick(tree, Qt::Key_Return);
     EXPECT_TRUE(window_->editMode());
-    EXPECT_EQ(window_->currentPage(), static_cast<int>(field->section)) << source;
+    EXPECT_EQ(window_->currentPage(), static_cast<int>(field->section)) << field->name;
     QWidget* entry = window_->entryPage()->fieldWidget(QString::fromUtf8(field->name));
-    ASSERT_NE(entry, nullptr) << source;
-    EXPECT_EQ(window_->focusWidget(), entry) << source;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return entry->hasFocus(); })) << source;
+    ASSERT_NE(entry, nullptr) << field->name;
+    EXPECT_EQ(window_->focusWidget(), entry) << field->name;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return entry->hasFocus(); })) << field->name;
 }
 
 TEST_F(ExplainPanelTest, TheContextMenuOfAnAmountExplainsIt) {
@@ -153,7 +140,7 @@ TEST_F(ExplainPanelTest, TheContextMenuOfAnAmountExplainsIt) {
     EXPECT_TRUE(panel->isVisible());
     EXPECT_EQ(panel->sheet(), SheetId::CZikuim);
     EXPECT_EQ(panel->field(), cell->objectName());
-    EXPECT_TRUE(panel->tree()->topLevelItem(0)->text(0).contains(cell->text()));
+    EXPECT_TRUE(rootText().contains(cell->text()));
 }
 
 TEST_F(ExplainPanelTest, TheBalanceForAnotherInterestDateIsTheOneOnShow) {
@@ -169,13 +156,10 @@ TEST_F(ExplainPanelTest, TheBalanceForAnotherInterestDateIsTheOneOnShow) {
     QTest::keyClick(balance, Qt::Key_F1);
     ASSERT_NE(window_->explainPanel(), nullptr);
     // The explanation is the one of the balance on show, carried to the date chosen.
-    const QString root = window_->explainPanel()->tree()->topLevelItem(0)->text(0);
-    EXPECT_TRUE(root.endsWith(QStringLiteral(" = ") + QString::fromStdString(trace::formatNumber(onShow))))
-        << root.toStdString();
+    EXPECT_TRUE(rootText().endsWith(QStringLiteral(" = ") + QString::fromStdString(trace::formatNumber(onShow))))
+        << rootText().toStdString();
     window_->explainCell(SheetId::CMain, QStringLiteral("ItraDate"));
-    EXPECT_TRUE(window_->explainPanel()->tree()->topLevelItem(0)->text(0).endsWith(
-        QStringLiteral("תאריך הריבית שנבחר = 31/12/2017")))
-        << window_->explainPanel()->tree()->topLevelItem(0)->text(0).toStdString();
+    EXPECT_TRUE(rootText().endsWith(QStringLiteral("תאריך הריבית שנבחר = 31/12/2017"))) << rootText().toStdString();
 }
 
 TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
@@ -192,16 +176,13 @@ TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
     EXPECT_LE(panel.frameGeometry().right(), owner.frameGeometry().left());  // no room there: on its left
 }
 
-// A picture of the window for a person to look at; written only when
-// ZELMOR_DIALOG_SHOTS names a folder.
+// A picture of the window for a person to look at, opened down to the first
+// report line (the items that carry a tooltip).
 TEST_F(ExplainPanelTest, Picture) {
     ZELMOR_PICTURES_OR_SKIP(folder);
     window_->explainCell(SheetId::CMain, QStringLiteral("MasMagiaM"));
     ExplainPanel* panel = window_->explainPanel();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(panel));
-    QTreeWidget* tree = panel->tree();
-    QTreeWidgetItem* root = tree->topLevelItem(0);
-    // Opened down to the first report line (the items that carry a tooltip).
+    QTreeWidgetItem* root = panel->tree()->topLevelItem(0);
     const std::function<bool(QTreeWidgetItem*)> openTo = [&](QTreeWidgetItem* item) {
         if (!item->toolTip(0).isEmpty()) return true;
         item->setExpanded(true);
@@ -211,7 +192,7 @@ TEST_F(ExplainPanelTest, Picture) {
         return false;
     };
     openTo(root);
-    tree->setCurrentItem(root);
+    panel->tree()->setCurrentItem(root);
     panel->resize(760, 520);
     testing::savePicture(*panel, folder, QStringLiteral("explain-panel"));
 }
