@@ -2,12 +2,10 @@
 // routines the printouts use, and left alone on cancel.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include "shell/dlg_name.h"
 #include "shell/dlg_pnia.h"
@@ -24,36 +22,31 @@ TEST(NameDialogTest, StoresTheTrimmedNameOnOkOnly) {
     QTemporaryDir dir;
     const std::string data = dir.path().toStdString();
     storage::SaveUserName(data, "משרד ישן");
-    {
+    for (const auto& [typed, key, stored] : {std::tuple{"לא נשמר", Qt::Key_Escape, "משרד ישן"},
+                                             std::tuple{"  כהן ושות' רואי חשבון ", Qt::Key_Return, "כהן ושות' רואי חשבון"}}) {
         NameDialog dlg(dir.path());
         dlg.show();
         auto* txt = dlg.findChild<QLineEdit*>(QStringLiteral("txtName"));
         EXPECT_EQ(dlg.focusWidget(), txt);
         EXPECT_TRUE(txt->text().isEmpty());  // the stored name is not shown
-        typeText(txt, QStringLiteral("לא נשמר"));
-        QTest::keyClick(txt, Qt::Key_Escape);
-        EXPECT_EQ(dlg.result(), QDialog::Rejected);
-        EXPECT_EQ(storage::UserName(data), "משרד ישן");
-    }
-    {
-        NameDialog dlg(dir.path());
-        dlg.show();
-        typeText(dlg.findChild<QLineEdit*>(QStringLiteral("txtName")), QStringLiteral("  כהן ושות' רואי חשבון "));
-        QTest::keyClick(dlg.findChild<QLineEdit*>(QStringLiteral("txtName")), Qt::Key_Return);
-        EXPECT_EQ(dlg.result(), QDialog::Accepted);
-        EXPECT_EQ(storage::UserName(data), "כהן ושות' רואי חשבון");
+        typeText(txt, QString::fromUtf8(typed));
+        QTest::keyClick(txt, key);
+        EXPECT_EQ(dlg.result(), key == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected);
+        EXPECT_EQ(storage::UserName(data), stored);
     }
 }
 
 TEST(PniaDialogTest, LetterRoundTripsAndClearsOnlyOnTheScreen) {
     QTemporaryDir dir;
     const std::string data = dir.path().toStdString();
+    const QString letter = QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,");
+    auto button = [](PniaDialog& dlg, const char* name) { return dlg.findChild<QPushButton*>(QLatin1String(name)); };
     {
         PniaDialog dlg(dir.path());
         auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
         EXPECT_TRUE(txt->toPlainText().isEmpty());  // no file yet
-        txt->setPlainText(QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
-        dlg.findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+        txt->setPlainText(letter);
+        button(dlg, "cmdSave")->click();
         EXPECT_EQ(dlg.result(), QDialog::Accepted);
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
@@ -62,21 +55,20 @@ TEST(PniaDialogTest, LetterRoundTripsAndClearsOnlyOnTheScreen) {
         dlg.show();
         auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
         EXPECT_EQ(dlg.focusWidget(), txt);
-        EXPECT_EQ(txt->toPlainText(), QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
-        // Tab leaves the letter rather than typing into it.
-        QTest::keyClick(txt, Qt::Key_Tab);
-        EXPECT_EQ(txt->toPlainText(), QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
-        EXPECT_EQ(dlg.focusWidget(), dlg.findChild<QPushButton*>(QStringLiteral("cmdSave")));
-        dlg.findChild<QPushButton*>(QStringLiteral("cmdDelPnia"))->click();
+        EXPECT_EQ(txt->toPlainText(), letter);
+        QTest::keyClick(txt, Qt::Key_Tab);  // leaves the letter rather than typing into it
+        EXPECT_EQ(txt->toPlainText(), letter);
+        EXPECT_EQ(dlg.focusWidget(), button(dlg, "cmdSave"));
+        button(dlg, "cmdDelPnia")->click();
         EXPECT_TRUE(txt->toPlainText().isEmpty());
         EXPECT_EQ(dlg.focusWidget(), txt);
-        dlg.findChild<QPushButton*>(QStringLiteral("cmdCancel"))->click();
+        button(dlg, "cmdCancel")->click();
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
     {
         PniaDialog dlg(dir.path());
-        dlg.findChild<QPushButton*>(QStringLiteral("cmdDelPnia"))->click();
-        dlg.findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+        button(dlg, "cmdDelPnia")->click();
+        button(dlg, "cmdSave")->click();
     }
     EXPECT_EQ(storage::Pnia(data), "");
 }
