@@ -128,13 +128,6 @@ TEST_F(MadadimDialogTest, RefusedValuesHoldTheCellUntilANumberIsGiven) {
     EXPECT_EQ(dialog_.rowOfMonth("202610"), dialog_.grid()->model()->rowCount() - 1);
 }
 
-// A picture for a person to look at (clipping, right to left).
-TEST_F(MadadimDialogTest, Picture) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    type(QStringLiteral("106.2"));
-    testing::savePicture(dialog_, folder, QStringLiteral("madadim"));
-}
-
 // The update replaces the table from a file:// address; a failure is named and
 // keeps the old table byte for byte. The busy pointer is gone afterwards.
 TEST(MadadUpdate, ReplacesTheTableOrKeepsIt) {

@@ -219,15 +219,5 @@ TEST_F(PrintDialogTest, PreviewShowsThePagesOfThePrint) {
     EXPECT_FALSE(preview->isEnabled());
 }
 
-// A picture for a person to look at (clipping, right to left).
-TEST_F(PrintDialogTest, Picture) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    PrintDialog d(session(true), setup());
-    d.setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
-    d.setCurrentPrinter(QStringLiteral("Office"));
-    check(d, "chkDetails", true);
-    testing::savePicture(d, folder, QStringLiteral("print"));
-}
-
 }  // namespace
 }  // namespace zelmor::shell

@@ -12,7 +12,6 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <deque>
-#include <functional>
 #include <memory>
 
 #include "engine/calc.h"
@@ -174,27 +173,6 @@ TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
     owner.move(room.right() - 160, room.top() + 10);
     panel.placeBeside(&owner);
     EXPECT_LE(panel.frameGeometry().right(), owner.frameGeometry().left());  // no room there: on its left
-}
-
-// A picture of the window for a person to look at, opened down to the first
-// report line (the items that carry a tooltip).
-TEST_F(ExplainPanelTest, Picture) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    window_->explainCell(SheetId::CMain, QStringLiteral("MasMagiaM"));
-    ExplainPanel* panel = window_->explainPanel();
-    QTreeWidgetItem* root = panel->tree()->topLevelItem(0);
-    const std::function<bool(QTreeWidgetItem*)> openTo = [&](QTreeWidgetItem* item) {
-        if (!item->toolTip(0).isEmpty()) return true;
-        item->setExpanded(true);
-        for (int i = 0; i < item->childCount(); ++i)
-            if (openTo(item->child(i))) return true;
-        item->setExpanded(false);
-        return false;
-    };
-    openTo(root);
-    panel->tree()->setCurrentItem(root);
-    panel->resize(760, 520);
-    testing::savePicture(*panel, folder, QStringLiteral("explain-panel"));
 }
 
 }  // namespace

@@ -277,19 +277,5 @@ TEST_F(ResultViewTest, CtrlCCopiesTheSheetAsTabSeparatedText) {
     EXPECT_TRUE(lines.contains("סה\"כ הכנסה בשיעורי מס רגילים\t280,000\t228,000"));
 }
 
-// A picture of every sheet of the example, the joint couple and a report with
-// special-rate income, for a person to look at.
-TEST_F(ResultViewTest, Pictures) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    for (const auto& [name, path] : {std::pair{"couple", kCouple}, std::pair{"joint", kJoint},
-                                     std::pair{"special", testing::kGoldenReports + "fixed-rate-income.json"}}) {
-        show(calc(path));
-        for (int page = 1; page <= 8; ++page) {
-            view->goSheet(page);
-            testing::savePicture(*view, folder, QStringLiteral("sheet-%1-%2").arg(QString::fromUtf8(name)).arg(page));
-        }
-    }
-}
-
 }  // namespace
 }  // namespace zelmor::shell
