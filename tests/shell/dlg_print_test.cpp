@@ -7,7 +7,6 @@
 #include <QComboBox>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
-#include <QProcess>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -22,7 +21,6 @@ namespace zelmor::shell {
 namespace {
 
 const QString kReportPath = testing::kGoldenReports + QStringLiteral("single.json");
-const QString kCli = QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli");
 
 void check(PrintDialog& d, const char* box, bool on) { d.findChild<QCheckBox*>(QLatin1String(box))->setChecked(on); }
 QComboBox* printers(PrintDialog& d) { return d.findChild<QComboBox*>(QStringLiteral("cmbPrinters")); }
@@ -62,13 +60,7 @@ protected:
     }
 
     QStringList cliPages(const QStringList& flags, const QString& path) {
-        QProcess p;
-        p.start(kCli, QStringList{QStringLiteral("print"), kReportPath, QStringLiteral("--pdf"), path,
-                                  QStringLiteral("--today"), QStringLiteral("2016-05-10"), QStringLiteral("--data-dir"),
-                                  dir_.path()} +
-                          flags);
-        EXPECT_TRUE(p.waitForFinished(60000));
-        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        testing::runCli(QStringList{"print", kReportPath, "--pdf", path, "--today", "2016-05-10", "--data-dir", dir_.path()} + flags);
         return test::pdfPages(path);
     }
 
@@ -100,7 +92,6 @@ TEST_F(PrintDialogTest, ThePdfEntryComesLastAndIsNeverChosenForTheUser) {
 // The dialog writes what the command-line tool writes for the same report,
 // date and parts; results and national insurance together print the results only.
 TEST_F(PrintDialogTest, PdfFileAsTheCommandLineToolWritesIt) {
-    if (!QFile::exists(kCli)) GTEST_SKIP() << "zelmor-cli is not built";
     const struct {
         PrintChoices choices;
         QStringList flags;

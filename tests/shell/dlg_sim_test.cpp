@@ -5,7 +5,6 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -172,15 +171,9 @@ TEST_F(SimDialogTest, TaxPaidQuestionAnswersAtOnce) {
 
 // The same question through the command-line tool gives the same figures.
 TEST_F(SimDialogTest, AnswerEqualsTheCommandLineTool) {
-    QProcess p;
-    p.start(QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli"),
-            {QStringLiteral("solve"), QStringLiteral("--question"), QStringLiteral("4"), QStringLiteral("--sum"),
-             QStringLiteral("6000"), QStringLiteral("--today"), QStringLiteral("2016-06-30"), QStringLiteral("--data-dir"),
-             dir.path(), kGoldenReports + QStringLiteral("couple.json")});
-    ASSERT_TRUE(p.waitForFinished(-1));
-    ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-    const QJsonObject doc = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
-
+    const QJsonObject doc = QJsonDocument::fromJson(runCli({"solve", "--question", "4", "--sum", "6000", "--today", "2016-06-30",
+                                                             "--data-dir", dir.path(), kGoldenReports + "couple.json"}))
+                                .object();
     NishumInput report = goldenReport(QStringLiteral("couple.json"));
     SimDialog dlg(SimQuestion::TaxChange, report, c, madad, today);
     dlg.show();

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QString>
 #include <QtTest>
 
@@ -23,6 +24,15 @@ inline NishumInput readReport(const QString& path) {
 
 // A report of tests/golden/reports by file name.
 inline NishumInput goldenReport(const QString& name) { return readReport(kGoldenReports + name); }
+
+// What zelmor-cli writes on standard output for these words; it must succeed.
+inline QByteArray runCli(const QStringList& args) {
+    QProcess p;
+    p.start(QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli"), args);
+    EXPECT_TRUE(p.waitForFinished(60000));
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return p.readAllStandardOutput();
+}
 
 // Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).
 inline void typeText(QWidget* w, const QString& text) {

@@ -10,7 +10,6 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -46,12 +45,8 @@ Data& data() {
 
 // The result document `zelmor-cli calc` writes for a report.
 QJsonObject cliDocument(const QString& report) {
-    QProcess p;
-    p.start(QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli"),
-            {QStringLiteral("calc"), report, QStringLiteral("--today"), QStringLiteral("2016-06-30"),
-             QStringLiteral("--data-dir"), data().dir.path()});
-    p.waitForFinished(60000);
-    return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
+    const QStringList args{"calc", report, "--today", "2016-06-30", "--data-dir", data().dir.path()};
+    return QJsonDocument::fromJson(testing::runCli(args)).object();
 }
 
 QString text(const std::string& s) { return QString::fromStdString(s); }
