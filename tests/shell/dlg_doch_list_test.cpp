@@ -17,8 +17,6 @@ using namespace zelmor::shell::testing;
 
 namespace {
 
-const QString kNoRow = QStringLiteral("לא נבחר אף נישום לפתיחה");
-
 class DochListTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -48,25 +46,14 @@ protected:
     MessageRecorder recorder;
 };
 
-TEST_F(DochListTest, EmptyDatabaseOpensNothing) {
-    DochListDialog dlg(*db);
-    EXPECT_EQ(dlg.visibleRows(), 0);
-    click(dlg, "btnOpen");
-    expectLastMessage(recorder, MsgIcon::Exclamation, QStringLiteral("רשימת נישומים"), kNoRow);
-    EXPECT_EQ(dlg.result(), QDialog::Rejected);
-    EXPECT_TRUE(dlg.chosenId().isEmpty());
-}
-
 TEST_F(DochListTest, SortsByNameOrIdAndOpensTheFirstRow) {
     fill();
     DochListDialog dlg(*db);
     EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ByName));
     click(dlg, "IDSort");
-    const QStringList byId = column(dlg, 0);
-    EXPECT_EQ(byId, stored(storage::ListOrder::ById));
-    EXPECT_TRUE(std::is_sorted(byId.begin(), byId.end()));
+    EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ById));
     click(dlg, "IDSort");  // the same key again changes nothing
-    EXPECT_EQ(column(dlg, 0), byId);
+    EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ById));
     click(dlg, "NameSort");
     EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ByName));
 
@@ -96,8 +83,10 @@ TEST_F(DochListTest, SearchNarrowsTheGridAndEnterOpensTheMatch) {
     typeText(box, QStringLiteral("no such client"));
     EXPECT_EQ(dlg.visibleRows(), 0);
     QTest::keyClick(box, Qt::Key_Return);
-    EXPECT_EQ(recorder.lastText(), kNoRow);
+    expectLastMessage(recorder, MsgIcon::Exclamation, QStringLiteral("רשימת נישומים"),
+                      QStringLiteral("לא נבחר אף נישום לפתיחה"));
     EXPECT_TRUE(dlg.isVisible());
+    EXPECT_TRUE(dlg.chosenId().isEmpty());
 
     box->clear();
     EXPECT_EQ(dlg.visibleRows(), 4);

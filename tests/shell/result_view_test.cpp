@@ -138,7 +138,6 @@ TEST_F(ResultViewTest, TheJointCoupleIsJointAndShowsTheComparedSums) {
 
 TEST_F(ResultViewTest, PageKeysTurnWithoutWrapAndEscReturnsToTheSummary) {
     show(calc(kCouple));
-    QSignalSpy changed(view.get(), &ResultView::sheetChanged);
     QTest::keyClick(dateField(), Qt::Key_PageDown);  // the date field lets Page Down through
     EXPECT_EQ(view->sheet(), 2);
     QTest::keyClick(view.get(), Qt::Key_PageUp);
@@ -151,10 +150,9 @@ TEST_F(ResultViewTest, PageKeysTurnWithoutWrapAndEscReturnsToTheSummary) {
     view->goSheet(5);
     QTest::keyClick(view.get(), Qt::Key_Escape);
     EXPECT_EQ(view->sheet(), 1);
-    const int before = static_cast<int>(changed.count());
-    QTest::keyClick(dateField(), Qt::Key_Escape);
-    EXPECT_EQ(view->sheet(), 1);
-    EXPECT_EQ(changed.count(), before);
+    QSignalSpy changed(view.get(), &ResultView::sheetChanged);
+    QTest::keyClick(dateField(), Qt::Key_Escape);  // on the summary Esc does nothing
+    EXPECT_EQ(changed.count(), 0);
     // The buttons of the summary open their sheets.
     for (int page = 2; page <= 7; ++page) {
         view->goSheet(1);
