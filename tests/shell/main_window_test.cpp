@@ -1,16 +1,19 @@
 // The main window driven as a user drives it: keys, menu shortcuts, the
-// questions answered through the message recorder; and the explanation window
-// of a result cell.
+// questions answered through the message recorder; the explanation window of a
+// result cell; the draft file and the boxes of the storage outcomes.
 #include <gtest/gtest.h>
 
 #include <QAction>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QContextMenuEvent>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QProcess>
 #include <QScreen>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
@@ -19,6 +22,7 @@
 
 #include "engine/calc.h"
 #include "engine/explain.h"
+#include "report/report_json.h"
 #include "shell/dlg_test_support.h"
 #include "shell/draft_store.h"
 #include "shell/entry_page.h"
@@ -26,6 +30,7 @@
 #include "shell/main_window.h"
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
+#include "shell/store_messages.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
@@ -447,6 +452,109 @@ TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
     owner.move(room.right() - 160, room.top() + 10);
     panel.placeBeside(&owner);
     EXPECT_LE(panel.frameGeometry().right(), owner.frameGeometry().left());  // no room there: on its left
+}
+
+TEST(DraftTest, KeepsTheFieldsThePageAndTheTextsAsTyped) {
+    Draft d;
+    d.report.Pratim.IDM = "123456782";
+    d.report.Pratim.FirstNameM = "דנה \"הגדולה\"";
+    d.report.Pratim.BirthDateM = *Date::fromYmd(1970, 2, 28);
+    d.report.Yegia.N150 = Amount(-2147483647 - 1);
+    d.report.Yegia.N170 = Amount(2147483647);
+    d.report.Nekudot.N260_1 = 3;
+    d.report.Klaliim.isHul = true;
+    WorkOutDerived(d.report);
+    d.page = 7;
+    d.texts = {{"N036", "12,3x"}, {"AcherimText", QString::fromUtf8("שורה\nשנייה")}, {"N045", ""}};
+    QString error;
+    const auto back = draftFromText(draftText(d), &error);
+    ASSERT_TRUE(back) << error.toStdString();
+    EXPECT_EQ(back->page, 7);
+    EXPECT_EQ(back->texts, d.texts);
+    EXPECT_EQ(writeReportDocument(back->report, false), writeReportDocument(d.report, false));
+}
+
+TEST(DraftTest, RefusesWhatIsNoDraft) {
+    const QByteArray good = draftText(Draft{});
+    for (const QByteArray& text : {QByteArray(), QByteArray("{\"format\": \"zelmor-report\"}"),
+                                   QByteArray(good).replace("\"page\": 1", "\"page\": 10"),
+                                   QByteArray(good).replace("\"IDM\"", "\"IDX\""), good.left(good.size() / 2)}) {
+        QString error;
+        EXPECT_FALSE(draftFromText(text, &error)) << text.toStdString();
+        EXPECT_FALSE(error.isEmpty());
+    }
+}
+
+// One program writes the drafts of a folder (the main window's tests show a
+// second one keeps none); the lock of a program that is gone, as a crash
+// leaves it, is taken over with its draft.
+TEST(DraftTest, ALockLeftByADeadProgramIsTakenOver) {
+    QTemporaryDir dir;
+    EXPECT_TRUE(DraftStore(dir.path()).write(Draft{}));
+    QProcess gone;
+    gone.start("true", {});
+    ASSERT_TRUE(gone.waitForStarted());
+    const qint64 pid = gone.processId();
+    ASSERT_TRUE(gone.waitForFinished());
+    QFile lock(dir.filePath(DraftStore::kLockName));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.write(QByteArray::number(pid) + "\n" + QCoreApplication::applicationName().toUtf8() + "\n" +
+               QSysInfo::machineHostName().toUtf8() + "\n");
+    lock.close();
+    DraftStore after(dir.path());
+    EXPECT_TRUE(after.enabled());
+    EXPECT_TRUE(after.exists());
+    after.remove();
+    EXPECT_FALSE(after.exists());
+}
+
+using storage::StoreError;
+using storage::StoreOutcome;
+
+StoreOutcome outcome(StoreError error, std::string id = {}, std::string detail = {}) {
+    StoreOutcome out;
+    out.ok = error == StoreError::None;
+    out.error = error;
+    out.id = std::move(id);
+    out.detail = std::move(detail);
+    return out;
+}
+
+// The boxes of the storage outcomes (those of a save that stores or lacks an
+// id, and of opening with nothing chosen, are checked through the screens).
+TEST(StoreMessages, EachOutcomeOfEachActionHasItsBox) {
+    StoreOutcome invisible = outcome(StoreError::BadId, "123\u200F");
+    invisible.idCheck = {storage::IdFault::Invisible, 0x200F};
+    const struct {
+        StoreAction action;
+        StoreOutcome out;
+        MsgIcon icon;
+        const char* title;
+        const char* text;
+    } cases[] = {
+        {StoreAction::Save, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, "שמירת דו\"ח",
+         "לא ניתן לשמור בת.ז. NewInit, השמורה לתבנית הדו\"ח החדש\nנא להזין ת.ז. אחרת ולשמור לאחר מכן"},
+        {StoreAction::Save, invisible, MsgIcon::Exclamation, "שמירת דו\"ח",
+         "מספר ת.ז. אינו יכול להכיל סימני כיוון, תווים בלתי נראים או רווח מיוחד\nנא לתקן ת.ז. ולשמור לאחר מכן"},
+        {StoreAction::Save, outcome(StoreError::DatabaseFailure, "1", "disk I/O error"), MsgIcon::Stop,
+         "שמירת דו\"ח", "שגיאה בשמירת הדו\"ח: disk I/O error\nנא ליצור קשר עם חברת Zelmor"},
+        {StoreAction::Open, outcome(StoreError::None, "1"), MsgIcon::None, "פתיחת דו\"ח", ""},
+        {StoreAction::Open, outcome(StoreError::NotFound, "404"), MsgIcon::Exclamation, "פתיחת דו\"ח",
+         "לא נמצא דו\"ח שמור עם ת.ז. 404"},
+        {StoreAction::Open, outcome(StoreError::Damaged, "5", "column isMale holds 2"), MsgIcon::Stop, "פתיחת דו\"ח",
+         "שגיאה בפתיחת הדו\"ח: column isMale holds 2\nהדו\"ח הפתוח לא שונה."},
+        {StoreAction::Delete, outcome(StoreError::NoId), MsgIcon::None, "רשימת נישומים", ""},
+        {StoreAction::Delete, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, "רשימת נישומים",
+         "לא ניתן למחוק את תבנית הדו\"ח החדש"},
+        {StoreAction::Delete, outcome(StoreError::DatabaseFailure, "1", "locked"), MsgIcon::Stop, "רשימת נישומים",
+         "שגיאה במחיקת הדו\"ח: locked"},
+    };
+    for (const auto& c : cases) {
+        const ShownMessage m = storeMessage(c.action, c.out);
+        EXPECT_EQ(m.icon, c.icon) << c.text;
+        EXPECT_EQ(m.title, QString::fromUtf8(c.title)) << c.text;
+        EXPECT_EQ(m.text, QString::fromUtf8(c.text));
+    }
 }
 
 }  // namespace
