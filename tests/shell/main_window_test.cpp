@@ -454,6 +454,7 @@ TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
     EXPECT_LE(panel.frameGeometry().right(), owner.frameGeometry().left());  // no room there: on its left
 }
 
+// The draft file: what it keeps, what it refuses, and who may write it.
 TEST(DraftTest, KeepsTheFieldsThePageAndTheTextsAsTyped) {
     Draft d;
     d.report.Pratim.IDM = "123456782";
@@ -485,8 +486,8 @@ TEST(DraftTest, RefusesWhatIsNoDraft) {
     }
 }
 
-// One program writes the drafts of a folder (the main window's tests show a
-// second one keeps none); the lock of a program that is gone, as a crash
+// One program writes the drafts of a folder (a second window keeps none, as
+// shown above); the lock of a program that is gone, as a crash
 // leaves it, is taken over with its draft.
 TEST(DraftTest, ALockLeftByADeadProgramIsTakenOver) {
     QTemporaryDir dir;
