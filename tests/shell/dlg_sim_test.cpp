@@ -50,8 +50,9 @@ protected:
     MessageRecorder recorder;
 };
 
-// Every question's answer is the solver's answer for the same report and sum,
-// shown in the labels the question uses, and the report is left as it was.
+// Every question's answer is the solver's answer for the same report and sum
+// (and, for one, that of the command-line tool), shown in the labels the
+// question uses, and the report is left as it was.
 TEST_F(SimDialogTest, AnswersAreTheSolversAnswers) {
     const struct {
         const char* report;
@@ -66,12 +67,21 @@ TEST_F(SimDialogTest, AnswersAreTheSolversAnswers) {
         {"single.json", SimQuestion::IncomeChange, "0"},
         {"single.json", SimQuestion::TaxChange, "3000"},
         {"couple-low-spouse.json", SimQuestion::TaxChange, "-1000"},
+        {"couple.json", SimQuestion::TaxChange, "6000"},
     };
     for (const auto& k : cases) {
         SCOPED_TRACE(std::string(k.report) + " question " + std::to_string(int(k.question)) + " sum " + k.sum);
         NishumInput report = goldenReport(QLatin1String(k.report));
         const NishumInput before = report;
         const SimResult expected = solve(k.question, ParseAmount(k.sum), report);
+        if (k.question == SimQuestion::TaxChange && std::string_view(k.report) == "couple.json") {
+            const QJsonObject cli = QJsonDocument::fromJson(runCli({"solve", "--question", "4", "--sum", k.sum, "--today", "2016-06-30",
+                                                                    "--data-dir", dir.path(), kGoldenReports + k.report}))
+                                        .object();
+            EXPECT_EQ(cli.value("SimValue").toInt(), expected.SimValue.value());
+            EXPECT_EQ(cli.value("SimBase").toInt(), expected.SimBase.value());
+            EXPECT_EQ(cli.value("SimHefresh").toInt(), expected.SimHefresh.value());
+        }
         SimDialog dlg(k.question, report, c, madad, today);
         dlg.show();
         ask(dlg, QLatin1String(k.sum));
@@ -167,21 +177,6 @@ TEST_F(SimDialogTest, TaxPaidQuestionAnswersAtOnce) {
     EXPECT_EQ(refusing.exec(), QDialog::Rejected);
     EXPECT_EQ(recorder.lastText().toStdString(), refused.message);
     EXPECT_EQ(unpaid.Yegia.N150, before);
-}
-
-// The same question through the command-line tool gives the same figures.
-TEST_F(SimDialogTest, AnswerEqualsTheCommandLineTool) {
-    const QJsonObject doc = QJsonDocument::fromJson(runCli({"solve", "--question", "4", "--sum", "6000", "--today", "2016-06-30",
-                                                             "--data-dir", dir.path(), kGoldenReports + "couple.json"}))
-                                .object();
-    NishumInput report = goldenReport(QStringLiteral("couple.json"));
-    SimDialog dlg(SimQuestion::TaxChange, report, c, madad, today);
-    dlg.show();
-    ask(dlg, QStringLiteral("6000"));
-    ASSERT_TRUE(dlg.hasAnswer());
-    EXPECT_EQ(label(dlg, "lblResult"), shown(doc.value("SimValue").toInt()));
-    EXPECT_EQ(label(dlg, "lblItraSum"), shown(doc.value("SimBase").toInt()));
-    EXPECT_EQ(label(dlg, "lblHefreshSum"), shown(doc.value("SimHefresh").toInt()));
 }
 
 }  // namespace
