@@ -1,29 +1,55 @@
 #pragma once
-// What the widget tests share: the golden reports, typing any text, and the
-// pictures for a person to look at.
+// What the widget tests share: reading reports, typing any text, the message
+// boxes shown, and the pictures for a person to look at.
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QString>
 #include <QtTest>
 
 #include "report/report_json.h"
+#include "shell/messages.h"
 
 namespace zelmor::shell::testing {
 
 inline const QString kGoldenReports = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/");
 
-// A report of tests/golden/reports by file name.
-inline NishumInput goldenReport(const QString& name) {
-    QFile f(kGoldenReports + name);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << name.toStdString();
+inline NishumInput readReport(const QString& path) {
+    QFile f(path);
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
     return parseReportDocument(f.readAll().toStdString());
+}
+
+// A report of tests/golden/reports by file name.
+inline NishumInput goldenReport(const QString& name) { return readReport(kGoldenReports + name); }
+
+// What zelmor-cli writes on standard output for these words; it must succeed.
+inline QByteArray runCli(const QStringList& args) {
+    QProcess p;
+    p.start(QStringLiteral(ZELMOR_BINARY_DIR "/bin/zelmor-cli"), args);
+    EXPECT_TRUE(p.waitForFinished(60000));
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return p.readAllStandardOutput();
 }
 
 // Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).
 inline void typeText(QWidget* w, const QString& text) {
     for (const QChar ch : text) QTest::sendKeyEvent(QTest::Click, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+}
+
+// The last message box shown: its icon, its title and its text (or the start
+// of it, when `text` ends with "...").
+inline void expectLastMessage(const MessageRecorder& r, MsgIcon icon, const QString& title, QString text) {
+    ASSERT_FALSE(r.shown.empty()) << "no message for " << text.toStdString();
+    const ShownMessage& m = r.shown.back();
+    EXPECT_EQ(m.icon, icon) << text.toStdString();
+    EXPECT_EQ(m.title, title) << text.toStdString();
+    if (text.endsWith(QStringLiteral("...")))
+        EXPECT_TRUE(m.text.startsWith(text.chopped(3))) << m.text.toStdString();
+    else
+        EXPECT_EQ(m.text, text);
 }
 
 // The folder that ZELMOR_DIALOG_SHOTS names: pictures of the screens are

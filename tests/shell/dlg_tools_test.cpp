@@ -37,24 +37,19 @@ protected:
         f.close();
         f.setPermissions(f.permissions() | QFileDevice::ExeOwner);
     }
-    void onPath(const char* name) { program(dir.filePath(QStringLiteral("bin/") + QLatin1String(name))); }
-    static QString found() { return QFileInfo(tools::findCalculator()).fileName(); }
 
     QTemporaryDir dir;
     QByteArray oldPath;
 };
 
+// Each calculator found is preferred to those found before it.
 TEST_F(ToolsTest, CalculatorsAreLookedForInOrder) {
     EXPECT_FALSE(tools::calculatorAvailable());
     EXPECT_FALSE(tools::startCalculator());
-    onPath("xcalc");
-    EXPECT_EQ(found(), QStringLiteral("xcalc"));
-    onPath("galculator");
-    EXPECT_EQ(found(), QStringLiteral("galculator"));
-    onPath("kcalc");
-    EXPECT_EQ(found(), QStringLiteral("kcalc"));
-    onPath("gnome-calculator");
-    EXPECT_EQ(found(), QStringLiteral("gnome-calculator"));
+    for (const char* name : {"xcalc", "galculator", "kcalc", "gnome-calculator"}) {
+        program(dir.filePath(QStringLiteral("bin/") + QLatin1String(name)));
+        EXPECT_EQ(QFileInfo(tools::findCalculator()).fileName(), QLatin1String(name));
+    }
     EXPECT_TRUE(tools::calculatorAvailable());
 }
 
