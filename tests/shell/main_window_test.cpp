@@ -251,6 +251,7 @@ TEST_F(MainWindowTest, TheExitQuestionDecidesWhetherTheWindowCloses) {
     w->close();
     EXPECT_TRUE(w->isVisible());
     EXPECT_EQ(rec.shown.back().title, QString::fromUtf8("Orvanta - יציאה"));
+    EXPECT_EQ(rec.shown.back().icon, MsgIcon::Information);
     // Yes with a save that is refused (no id) keeps the program open on the id.
     rec.answers = {QMessageBox::Yes};
     w->action("mnuDochExit")->trigger();
