@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QFontMetrics>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -233,11 +234,16 @@ void EntryPage::addRow(QGridLayout* grid, int r, const EntryBlock& block, const 
         return box;
     };
     if (showCaption) {
-        // Long captions wrap rather than push the fields off the page.
-        QLabel* l = plainLabel(caption, area);
+        // Long captions wrap rather than push the fields off the page; a run
+        // of blanks in a caption is where the form breaks its line.
+        static const QRegularExpression kBreak(QStringLiteral(" {3,}"));
+        const QString text = QString(caption).replace(kBreak, QStringLiteral("\n"));
+        QLabel* l = plainLabel(text, area);
         l->setWordWrap(true);
         const QFontMetrics fm(font());
-        const int oneLine = fm.horizontalAdvance(caption) + 2;
+        int oneLine = 0;
+        for (const QString& part : text.split(QLatin1Char('\n')))
+            oneLine = std::max(oneLine, fm.horizontalAdvance(part) + 2);
         l->setMinimumWidth(across ? oneLine : std::min(oneLine, fm.averageCharWidth() * 22));
         if (across || (columns > 0 && someOutside))
             boxAt(-1, false)->addWidget(l, 1);
