@@ -42,7 +42,6 @@ public:
 
     SimQuestion question() const { return question_; }
     bool hasAnswer() const { return hasAnswer_; }
-    const SimResult& lastResult() const { return result_; }
     // The business income that "עדכון" would store.
     Amount answerIncome() const;
 

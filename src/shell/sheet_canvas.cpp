@@ -73,8 +73,7 @@ SheetCanvas::SheetCanvas(SheetId sheet, const CalcResult& result, const SheetPar
         textLines_ << text;
         bottom += row * 1.5;
     }
-    contentHeight_ = static_cast<int>(std::ceil(bottom + row * 0.5));
-    setMinimumHeight(contentHeight_);
+    setMinimumHeight(static_cast<int>(std::ceil(bottom + row * 0.5)));
 }
 
 double SheetCanvas::rowPx() const { return QFontMetrics(font()).height() + 4; }

@@ -31,7 +31,6 @@ public:
     // row's caption and cells, one line each.
     QString sheetText() const;
     // The height the content needs at the present width.
-    int contentHeight() const { return contentHeight_; }
     // The name of the cell a widget of the sheet shows, or "" for a caption,
     // a head or a button. The cells take the focus (click or Tab), so that F1
     // and the context menu know which one is meant.
@@ -66,7 +65,6 @@ private:
     QStringList textLines_;
     QLineEdit* dateField_ = nullptr;
     QToolButton* dateButton_ = nullptr;
-    int contentHeight_ = 0;
 };
 
 }  // namespace zelmor::shell
