@@ -126,24 +126,30 @@ void printMain(SheetPrinter& s) {
     ClsPrint& p = s.p_;
     s.title();
     s.heads();
+    // The rows with a rule under them: its spans, its width, the space after it.
+    struct Under {
+        std::string_view key;
+        std::initializer_list<Span> spans;
+        int width;
+        float gap;
+    };
+    static const Under kUnder[] = {{"HachnasaNet", {{45, 55}, {70, 80}}, 2, 0.5f},
+                                   {"MasLetashlum", {{45, 55}, {70, 80}}, 2, 0.5f},
+                                   {"Ribit", {{60, 70}}, 1, 0.5f},
+                                   {"Itra", {{60, 70}}, 2, 0}};
     for (const SheetRow* row : shownRows(s.out_, SheetId::CMain, s.params_, 0, false)) {
         const SheetRow& r = *row;
-        const std::string_view key = r.key;
-        if (key == "HachnasaNet" || key == "MasLetashlum" || key == "Ribit" || key == "Itra")
-            p.KeepLines(1);  // the rule under the row stands on its page
+        const auto under = std::ranges::find(kUnder, std::string_view(r.key), &Under::key);
+        const bool ruled = under != std::end(kUnder);
+        if (ruled) p.KeepLines(1);  // the rule stands on the row's page
         if (*r.lineNumber) p.PrintString(40, QString::fromUtf8(r.lineNumber), false);
         p.PrintString(r.paperColumn, s.caption(r), false);
         for (int slot = 0; slot < 3; ++slot)
             if (r.fields[slot]) p.PrintString(slot == 0 ? 45 : slot == 1 ? 70 : 60, s.amount(r.fields[slot]), false);
         p.NextLine(1);
-        if (key == "HachnasaNet" || key == "MasLetashlum") {
-            s.rules({{45, 55}, {70, 80}}, 2);
-            p.NextLine(0.5);
-        } else if (key == "Ribit") {
-            s.rules({{60, 70}}, 1);
-            p.NextLine(0.5);
-        } else if (key == "Itra") {
-            s.rules({{60, 70}}, 2);
+        if (ruled) {
+            s.rules(under->spans, under->width);
+            p.NextLine(under->gap);
         }
     }
 }
