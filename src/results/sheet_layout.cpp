@@ -187,21 +187,24 @@ const Walk kBLWalk[] = {
     {WalkStep::Rules, 0, "", 0, 2},
 };
 
+// By sheet: the menu entry, the screen's and the paper's titles, whether the
+// year follows them, the first position, and the sheet's blocks, walk and buttons.
 const SheetLayout kLayouts[] = {
-    {SheetId::CMain, "חישוב המס המגיע לשנת ", "חישוב המס המגיע לשנת ", true, 500, kMainBlocks, kMainWalk,
-     kMainButtons},
-    {SheetId::CHachnasot, "הכנסות בשיעורי מס רגילים", "1. הכנסות בשיעורי מס רגילים", false, 600, kHachnasotBlocks,
-     kHachnasotWalk, {}},
-    {SheetId::CNikuim, "ניכויים מותרים", "2. ניכויים מותרים", false, 1000, kNikuimBlocks, kNikuimWalk, {}},
-    {SheetId::CHishuv, "מס מגיע על הכנסות בשיעור רגיל", "3. מס מגיע על הכנסות בשיעור רגיל", false, 1800,
-     kHishuvBlocks, kHishuvWalk, {}},
-    {SheetId::CMeyuchad, "מס מגיע על הכנסות בשיעורי מס מיוחדים", "4. מס מגיע על הכנסות בשיעורי מס מיוחדים", false,
-     600, kMeyuchadBlocks, kMeyuchadWalk, {}},
-    {SheetId::CZikuim, "זיכויים ממס", "5. זיכויים ממס", false, 250, kZikuimBlocks, kZikuimWalk, {}},
-    {SheetId::CTashlumim, "תשלומים על חשבון המס לשנת ", "6. תשלומים על חשבון המס לשנת ", true, 500,
-     kTashlumimBlocks, kTotalsWalk, {}},
-    {SheetId::CBL, "חבות משוערת בדמי ביטוח לאומי", "חבות משוערת בדמי ביטוח לאומי", false, 750, kBLBlocks, kBLWalk,
-     {}},
+    {SheetId::CMain, "כללי", "חישוב המס המגיע לשנת ", "חישוב המס המגיע לשנת ", true, 500, kMainBlocks,
+     kMainWalk, kMainButtons},
+    {SheetId::CHachnasot, "הכנסות בשיעור מס רגיל", "הכנסות בשיעורי מס רגילים", "1. הכנסות בשיעורי מס רגילים",
+     false, 600, kHachnasotBlocks, kHachnasotWalk, {}},
+    {SheetId::CNikuim, "ניכויים מותרים", "ניכויים מותרים", "2. ניכויים מותרים", false, 1000, kNikuimBlocks,
+     kNikuimWalk, {}},
+    {SheetId::CHishuv, "מס מגיע על הכנסות בשיעור מס רגיל", "מס מגיע על הכנסות בשיעור רגיל",
+     "3. מס מגיע על הכנסות בשיעור רגיל", false, 1800, kHishuvBlocks, kHishuvWalk, {}},
+    {SheetId::CMeyuchad, "מס מגיע על הכנסות בשיעור מס מיוחד", "מס מגיע על הכנסות בשיעורי מס מיוחדים",
+     "4. מס מגיע על הכנסות בשיעורי מס מיוחדים", false, 600, kMeyuchadBlocks, kMeyuchadWalk, {}},
+    {SheetId::CZikuim, "זיכויים ממס", "זיכויים ממס", "5. זיכויים ממס", false, 250, kZikuimBlocks, kZikuimWalk, {}},
+    {SheetId::CTashlumim, "תשלומים על חשבון המס", "תשלומים על חשבון המס לשנת ", "6. תשלומים על חשבון המס לשנת ",
+     true, 500, kTashlumimBlocks, kTotalsWalk, {}},
+    {SheetId::CBL, "חישוב ביטוח לאומי", "חבות משוערת בדמי ביטוח לאומי", "חבות משוערת בדמי ביטוח לאומי", false, 750,
+     kBLBlocks, kBLWalk, {}},
 };
 
 std::string withYear(const char* title, bool year, const SheetParams& params) {
@@ -238,6 +241,11 @@ const SheetLayout& sheetLayout(SheetId sheet) {
     for (const SheetLayout& l : kLayouts)
         if (l.id == sheet) return l;
     throw std::out_of_range("no such sheet");
+}
+
+int detailKeyNumber(SheetId sheet) {
+    const int n = static_cast<int>(sheet);
+    return n >= 2 && n <= 7 ? n + 1 : 0;
 }
 
 std::string screenTitle(SheetId sheet, const SheetParams& params) {

@@ -89,6 +89,7 @@ struct DetailButton {
 
 struct SheetLayout {
     SheetId id;
+    const char* menuCaption;   // the entry of the sheets menu
     const char* screenTitle;   // the head of the screen
     const char* paperTitle;    // the title on paper
     bool titleWithYear;        // both titles are followed by the tax year
@@ -99,6 +100,9 @@ struct SheetLayout {
 };
 
 const SheetLayout& sheetLayout(SheetId sheet);
+// The function key that goes to a detail sheet (F3 for sheet 2 to F8 for sheet
+// 7, as the summary's buttons say), or 0 for the summary and the national insurance.
+int detailKeyNumber(SheetId sheet);
 std::string screenTitle(SheetId sheet, const SheetParams& params);
 std::string paperTitle(SheetId sheet, const SheetParams& params);
 

@@ -23,6 +23,7 @@
 #include "shell/messages.h"
 #include "shell/result_view.h"
 #include "shell/tools.h"
+#include "results/sheet_layout.h"
 #include "storage/report_db.h"
 #include "tables/madad_table.h"
 
@@ -31,22 +32,6 @@ namespace zelmor::shell {
 namespace {
 
 QString u(const char* text) { return QString::fromUtf8(text); }
-
-// The captions of the sheets menu, with the keys that go to the sheets.
-struct SheetEntry {
-    const char* caption;
-    QKeySequence key;
-};
-const SheetEntry kSheetEntries[] = {
-    {"כללי", {}},
-    {"הכנסות בשיעור מס רגיל", QKeySequence(Qt::Key_F3)},
-    {"ניכויים מותרים", QKeySequence(Qt::Key_F4)},
-    {"מס מגיע על הכנסות בשיעור מס רגיל", QKeySequence(Qt::Key_F5)},
-    {"מס מגיע על הכנסות בשיעור מס מיוחד", QKeySequence(Qt::Key_F6)},
-    {"זיכויים ממס", QKeySequence(Qt::Key_F7)},
-    {"תשלומים על חשבון המס", QKeySequence(Qt::Key_F8)},
-    {"חישוב ביטוח לאומי", {}},
-};
 
 const char* const kExitTitle = "Orvanta - יציאה";
 const char* const kExitText =
@@ -137,12 +122,11 @@ void MainWindow::buildMenus() {
 
     mnuCalcScreens_ = bar->addMenu(u("&מסכי חישוב"));
     mnuCalcScreens_->menuAction()->setObjectName("mnuCalcScreens");
-    int sheet = 1;
-    for (const SheetEntry& e : kSheetEntries) {
+    for (const SheetDef& d : allSheets()) {
+        const int sheet = static_cast<int>(d.id), key = detailKeyNumber(d.id);
         connect(addEntry(mnuCalcScreens_, QStringLiteral("mnuCalcScr%1").arg(sheet).toLatin1().constData(),
-                         u(e.caption), e.key),
+                         u(sheetLayout(d.id).menuCaption), key ? QKeySequence(Qt::Key_F1 + key - 1) : QKeySequence()),
                 &QAction::triggered, this, [this, sheet] { goSheet(sheet); });
-        ++sheet;
     }
 
     mnuCalc_ = bar->addMenu(u("&חישובים"));

@@ -194,7 +194,7 @@ void SheetCanvas::addRow(const SheetRow& row, double top) {
     }
     for (const DetailButton& b : layout.buttons) {
         if (std::string_view(b.rowKey) != row.key) continue;
-        auto* button = new QPushButton(QStringLiteral("F%1").arg(b.page + 1), this);
+        auto* button = new QPushButton(QStringLiteral("F%1").arg(detailKeyNumber(static_cast<SheetId>(b.page))), this);
         button->setObjectName(QStringLiteral("cmdDetails%1").arg(b.page));
         button->setFocusPolicy(Qt::TabFocus);
         const int page = b.page;
