@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "core/field_checks.h"
 #include "shell/app_storage.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_madadim.h"
@@ -224,13 +225,14 @@ bool MainWindow::takeScreen() {
     if (!editMode() || !page_) return true;
     if (!page_->leaveCurrent()) return false;
     if (!page_->map2Var(report_)) {
-        showMessage(this, MsgIcon::Exclamation, QStringLiteral("Orvanta"), u(kSumOverflowText));
+        showMessage(this, MsgIcon::Exclamation, QString::fromLatin1(kWarningTitle), u(kSumOverflowText));
         return false;
     }
     return true;
 }
 
-void MainWindow::showPage(int page) {
+// The entry page goes, and with it the draft it had still to write.
+void MainWindow::dropPage() {
     if (page_) {
         // The page may be the sender of the key that turns it.
         page_->hide();
@@ -238,6 +240,10 @@ void MainWindow::showPage(int page) {
         page_ = nullptr;
     }
     draftTimer_->stop();
+}
+
+void MainWindow::showPage(int page) {
+    dropPage();
     currentPage_ = page;
     auto* p = new EntryPage(static_cast<SectionId>(page), &report_, childArea_);
     p->var2Map(report_);
@@ -322,12 +328,7 @@ void MainWindow::calculate(int sheet) {
         return;
     }
     writeDraft();
-    if (page_) {
-        page_->hide();
-        page_->deleteLater();
-        page_ = nullptr;
-    }
-    draftTimer_->stop();
+    dropPage();
     setMode(false);
     auto* view = new ResultView(constants_, *table, options_.today, childArea_);
     childArea_->layout()->addWidget(view);

@@ -95,6 +95,7 @@ private:
     bool takeScreen();
     void onPageKey(int key);
     void showPage(int page);
+    void dropPage();
     void enterEditMode(int page);
     void setMode(bool edit);
     void setTitleWithNames();
