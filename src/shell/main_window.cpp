@@ -320,13 +320,8 @@ void MainWindow::calculate(int sheet) {
     if (!editMode() || !takeScreen()) return;
     const MadadTable* table = madad();
     if (!table) return;
-    CalcResult result;
-    try {
-        result = CalcDoch(report_, constants_, *table, options_.today);
-    } catch (const OverflowError&) {
-        showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kOverflowText));
-        return;
-    }
+    const std::optional<CalcResult> result = runCalc(*table, nullptr);
+    if (!result) return;
     writeDraft();
     dropPage();
     setMode(false);
@@ -334,14 +329,23 @@ void MainWindow::calculate(int sheet) {
     childArea_->layout()->addWidget(view);
     results_ = view;
     connect(view, &ResultView::explainRequested, this, &MainWindow::explainCell);
-    view->setResult(result);
+    view->setResult(*result);
     view->show();
     view->goSheet(sheet);
-    setWindowTitle(QStringLiteral("Zelmor %1 - %2").arg(constants_.YEARDOCH()).arg(u(ModeTitle(result.FilingMode))));
+    setWindowTitle(QStringLiteral("Zelmor %1 - %2").arg(constants_.YEARDOCH()).arg(u(ModeTitle(result->FilingMode))));
     // An explanation left open follows the new figures.
     if (explain_ && explain_->isVisible())
         explain_->explain(report_, constants_, *table, options_.today, explain_->sheet(), explain_->field(),
                           &results_->result().out);
+}
+
+std::optional<CalcResult> MainWindow::runCalc(const MadadTable& table, trace::Trace* sink) {
+    try {
+        return CalcDoch(report_, constants_, table, options_.today, sink);
+    } catch (const OverflowError&) {
+        showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kOverflowText));
+        return std::nullopt;
+    }
 }
 
 void MainWindow::goSheet(int sheet) {
@@ -396,13 +400,9 @@ void MainWindow::printReport() {
     session.currentSheet = results_ && !editMode() ? static_cast<SheetId>(results_->sheet()) : SheetId::CMain;
     session.editMode = editMode();
     session.calculate = [this, table](NishumOutput& into, trace::Trace* sink) {
-        try {
-            into = CalcDoch(report_, constants_, *table, options_.today, sink).out;
-            return true;
-        } catch (const OverflowError&) {
-            showMessage(this, MsgIcon::Exclamation, u(kCalcTitle), u(kOverflowText));
-            return false;
-        }
+        std::optional<CalcResult> result = runCalc(*table, sink);
+        if (result) into = std::move(result->out);
+        return result.has_value();
     };
     PrintDialog dialog(session, PrintSetup{options_.dataDir, options_.today, {}}, this);
     if (!lastPrinter_.isEmpty()) dialog.setCurrentPrinter(lastPrinter_);

@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QString>
 #include <memory>
+#include <optional>
 
 #include "core/date.h"
 #include "engine/calc.h"
@@ -96,6 +97,8 @@ private:
     void onPageKey(int key);
     void showPage(int page);
     void dropPage();
+    // The calculation of the report in hand; nothing when it overflowed, after telling the user.
+    std::optional<CalcResult> runCalc(const MadadTable& table, trace::Trace* sink);
     void enterEditMode(int page);
     void setMode(bool edit);
     void setTitleWithNames();
