@@ -1,8 +1,6 @@
 // The page printer: head, page turns and numbers, failure of the device.
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <cmath>
 
 #include "pdf_text.h"
@@ -19,13 +17,12 @@ PageHead head(QStringList letter = {}) { return {"משרד לוי", std::move(le
 // words of the file, and its pages as text when asked for.
 template <class Body>
 std::vector<PdfWord> printJob(const QString& name, const PageHead& h, Body body, QStringList* pages = nullptr) {
-    const QString path = tempPdfPath(name);
-    PdfFileTarget target(path);
-    ClsPrint p(target, h);
-    body(p);
-    p.PrintEndPage(true);
-    QString error;
-    EXPECT_TRUE(target.finish(&error)) << error.toStdString();
+    const QString path = printedPdf(name, [&](PrintTarget& t) {
+        ClsPrint p(t, h);
+        body(p);
+        p.PrintEndPage(true);
+        return true;
+    });
     if (pages) *pages = pdfPages(path);
     return pdfWords(path);
 }
@@ -103,20 +100,6 @@ TEST(ClsPrint, PagesTurnOnlyBetweenLinesAndAllAreNumbered) {
         }
     }
     EXPECT_EQ(seen, 150);
-}
-
-TEST(ClsPrint, FailureOfTheDeviceAtTheHeadStopsTheJobWithTheMessage) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("missing/folder/out.pdf");
-    PdfFileTarget target(path);
-    QString title, text;
-    const PrintSetup setup{dir.path(), *Date::fromYmd(2016, 1, 1), [&](const QString& t, const QString& m) { title = t, text = m; }};
-    EXPECT_FALSE(PrintNishum(target, setup, NishumInput{}, false));
-    EXPECT_EQ(title, "שגיאת הדפסה");
-    EXPECT_TRUE(text.startsWith("לא נמצאה מדפסת,\nוודא שהמדפסת מחוברת ויש נייר להדפסה\nהודעת שגיאה: ")) << text.toStdString();
-    EXPECT_TRUE(text.contains("out.pdf"));
-    EXPECT_FALSE(target.finish(nullptr));
-    EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST(ClsPrint, ALetterTooLongForThePageIsCutAboveTheRuleNameAndPageNumber) {
