@@ -40,7 +40,6 @@ TEST(ClsPrint, HeadOfTheFirstPage) {
     ASSERT_EQ(pages.size(), 1);
     for (const char* phrase : {"משרד לוי", "תאריך הדפסה 07/03/2016", "הופק באמצעות Zelmor", "לכבוד מר כהן", "ישראל כהן"})
         EXPECT_TRUE(anyPageHas(pages, QString::fromUtf8(phrase))) << phrase;
-    expectPageNumbers(pages);
 
     EXPECT_DOUBLE_EQ(lineOf(findWord(words, "07/03/2016")), 1);
     // The program line; the Latin run keeps its order on paper.
@@ -57,10 +56,9 @@ TEST(ClsPrint, HeadOfTheFirstPage) {
     EXPECT_NEAR((left + right) / 2, 595.28 / 2, 3);
 }
 
-TEST(ClsPrint, PagesTurnOnlyBetweenLinesAndAllAreNumbered) {
+TEST(ClsPrint, PagesTurnOnlyBetweenLines) {
     float limit = 0;
     int pages = 0;
-    QStringList text;
     const auto words = printJob("long.pdf", head(), [&](ClsPrint& p) {
         ASSERT_GT(p.PrintHeader(), 0);
         limit = static_cast<float>(p.ScaleHeight() - 5);
@@ -86,10 +84,8 @@ TEST(ClsPrint, PagesTurnOnlyBetweenLinesAndAllAreNumbered) {
         p.NextLine(3);
         EXPECT_FLOAT_EQ(p.LinePos, 2);
         pages = p.Page();
-    }, &text);
+    });
     ASSERT_GE(pages, 4);
-    ASSERT_EQ(text.size(), pages);
-    expectPageNumbers(text);
     // Every row whole on a page, none below its last line; a new page has no head and starts at line 2.
     int seen = 0;
     for (const PdfWord& w : words) {
