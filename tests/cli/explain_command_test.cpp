@@ -57,11 +57,8 @@ TEST_F(ExplainCommand, JsonTreeCarriesEveryValueAndAddsUp) {
     // Every node has a value; leaves name where they come from.
     std::function<void(const json&)> walk = [&](const json& n) {
         ASSERT_TRUE(n.contains("value"));
-        if (!n.contains("children") && !n.contains("seenAbove") && n["op"] != "zero") {
-            ASSERT_TRUE(n.contains("source")) << n.dump();
-        }
-        if (n.contains("children"))
-            for (const json& k : n["children"]) walk(k);
+        EXPECT_TRUE(n.contains("children") || n.contains("seenAbove") || n["op"] == "zero" || n.contains("source")) << n.dump();
+        for (const json& k : n.value("children", json::array())) walk(k);
     };
     walk(root);
     // The filing mode comes with the figures it was decided on.
@@ -81,25 +78,6 @@ TEST_F(ExplainCommand, DatesReadAsDates) {
     const json root = json::parse(data.out)["tree"];
     EXPECT_EQ(root["date"], "2016-06-30");
     EXPECT_EQ(root["value"].get<double>(), 42551);  // the day number stays the value
-}
-
-TEST_F(ExplainCommand, UnknownCellsAndDepthsAreRefused) {
-    struct Case {
-        std::vector<std::string> args;
-        std::string message;
-    };
-    const Case cases[] = {
-        {{"CMain.MasMagia"}, "sheet CMain has no field 'MasMagia'; did you mean 'CMain.MasMagia"},
-        {{"CMian.MasMagiaM"}, "unknown sheet 'CMian'; did you mean 'CMain'?"},
-        {{"CMain.MasMagiaM", "--depth", "0"}, "--depth takes a whole number"},
-        {{"CMain.MasMagiaM", "--depth", "2x"}, "--depth takes a whole number"},
-    };
-    for (const Case& c : cases) {
-        const CliRun r = explain(c.args);
-        EXPECT_EQ(r.status, 2) << c.args[0];
-        EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
-        EXPECT_TRUE(r.out.empty());
-    }
 }
 
 }  // namespace

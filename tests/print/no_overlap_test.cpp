@@ -6,7 +6,6 @@
 
 #include <QFile>
 #include <QPaintEngine>
-#include <QPaintDevice>
 #include <QSet>
 #include <QTemporaryDir>
 #include <map>
@@ -23,7 +22,7 @@ using namespace zelmor::test;
 
 namespace {
 
-const PrintSetup kSetup{QStringLiteral("/nonexistent"), *Date::fromYmd(2016, 6, 30), {}};
+const Date kToday = *Date::fromYmd(2016, 6, 30);
 
 // The generator's reports, bent towards what crowds a page: degrees and
 // settlements on both spouses, special-rate income under large deductions.
@@ -53,15 +52,6 @@ std::vector<NishumInput> crowdedReports(int count) {
         reports.push_back(r);
     }
     return reports;
-}
-
-std::vector<PdfWord> printedWords(const QString& name, const std::function<bool(PrintTarget&)>& job) {
-    const QString path = tempPdfPath(name);
-    PdfFileTarget target(path);
-    EXPECT_TRUE(job(target));
-    QString error;
-    EXPECT_TRUE(target.finish(&error)) << error.toStdString();
-    return pdfWords(path);
 }
 
 // Two words of one line touch when less than a blank's width apart (the
@@ -143,20 +133,31 @@ void expectNoHeadingAtTheFoot(const std::vector<PdfWord>& words, const QString& 
     }
 }
 
-// Pages that record where their texts and rules are drawn, top to bottom.
-struct Drawn {
-    bool rule;
-    double y;
-};
-struct RecordedPage {
-    bool headed = false;  // the first page of a job, under the page head
-    std::vector<Drawn> drawn;
-};
-
-class RecordingEngine final : public QPaintEngine {
+// A4 at 300 dots an inch, recording page by page where texts and rules are drawn.
+class RecordingTarget final : public PrintTarget, public QPaintDevice, public QPaintEngine {
 public:
-    RecordingEngine() : QPaintEngine(QPaintEngine::AllFeatures) {}
-    std::vector<RecordedPage> pages{1};
+    struct Drawn {
+        bool rule;
+        double y;
+    };
+    struct Page {
+        bool headed = false;  // the first page of a job, under the page head
+        std::vector<Drawn> drawn;
+    };
+    std::vector<Page> pages{1};
+
+    RecordingTarget() : QPaintEngine(QPaintEngine::AllFeatures) {}
+    QPainter* beginJob(QString*) override {
+        pages.back().headed = true;
+        painter_.begin(this);
+        return &painter_;
+    }
+    void newPage() override { pages.emplace_back(); }
+    void endJob() override {
+        painter_.end();
+        pages.emplace_back();
+    }
+    QPaintEngine* paintEngine() const override { return const_cast<RecordingTarget*>(this); }
     bool begin(QPaintDevice*) override { return true; }
     bool end() override { return true; }
     void updateState(const QPaintEngineState&) override {}
@@ -166,36 +167,19 @@ public:
     }
     void drawTextItem(const QPointF& at, const QTextItem&) override { pages.back().drawn.push_back({false, at.y()}); }
     Type type() const override { return QPaintEngine::User; }
-};
 
-// A4 at 300 dots an inch.
-class RecordingTarget final : public PrintTarget, public QPaintDevice {
-public:
-    RecordingEngine engine;
-    QPaintEngine* paintEngine() const override { return const_cast<RecordingEngine*>(&engine); }
+protected:
     int metric(PaintDeviceMetric m) const override {
         switch (m) {
             case PdmWidth: return 2300;
             case PdmHeight: return 3300;
             case PdmWidthMM: return 195;
             case PdmHeightMM: return 280;
-            case PdmDpiX: case PdmDpiY: case PdmPhysicalDpiX: case PdmPhysicalDpiY: return 300;
             case PdmDepth: return 32;
-            case PdmNumColors: return 1 << 24;
-            case PdmDevicePixelRatio: return 1;
             case PdmDevicePixelRatioScaled: return static_cast<int>(QPaintDevice::devicePixelRatioFScale());
-            default: return 0;
+            case PdmDevicePixelRatio: return 1;
+            default: return 300;  // the resolutions
         }
-    }
-    QPainter* beginJob(QString*) override {
-        engine.pages.back().headed = true;
-        painter_.begin(this);
-        return &painter_;
-    }
-    void newPage() override { engine.pages.emplace_back(); }
-    void endJob() override {
-        painter_.end();
-        engine.pages.emplace_back();
     }
 
 private:
@@ -205,19 +189,19 @@ private:
 // The first thing of a page is text: a rule above every text of the page
 // belongs to the page before. On the first page of a job that is under the
 // page head (its rule, then the taxpayer's name, underlined, two lines deep).
-void expectNoRuleOpensAPage(const RecordingEngine& e, const QString& what) {
+void expectNoRuleOpensAPage(const RecordingTarget& e, const QString& what) {
     constexpr double kLine = 300.0 / 6;  // a line is a sixth of an inch
     for (std::size_t page = 0; page < e.pages.size(); ++page) {
         const auto& drawn = e.pages[page].drawn;
         if (drawn.empty()) continue;  // the page a job leaves after its end
         double top = -1;
         if (e.pages[page].headed) {
-            const auto head = std::ranges::find_if(drawn, [](const Drawn& d) { return d.rule; });
+            const auto head = std::ranges::find_if(drawn, [](const RecordingTarget::Drawn& d) { return d.rule; });
             if (head == drawn.end()) continue;
             top = head->y + 2.5 * kLine;
         }
         double firstText = 1e9, firstRule = 1e9;
-        for (const Drawn& d : drawn) {
+        for (const RecordingTarget::Drawn& d : drawn) {
             if (d.y < top) continue;
             double& first = d.rule ? firstRule : firstText;
             first = std::min(first, d.y);
@@ -233,33 +217,34 @@ TEST(NoTextOverText, ResultsAndReportsOfGeneratedReports) {
     const ConstDoch c;
     // Covering letters of different lengths move every block up and down the pages.
     QTemporaryDir dataDir;
-    const PrintSetup setup{dataDir.path(), kSetup.today, {}};
+    const PrintSetup setup{dataDir.path(), kToday, {}};
     int n = 0;
     for (const NishumInput& report : crowdedReports(36)) {
         QFile letter(dataDir.filePath(QStringLiteral("PNIA.TXT")));
         ASSERT_TRUE(letter.open(QIODevice::WriteOnly));
         for (int line = 0; line < n % 23; ++line) letter.write("שורה של מכתב\n");
         letter.close();
-        const CalcResult r = CalcDoch(report, c, madad, kSetup.today);
+        const CalcResult r = CalcDoch(report, c, madad, kToday);
         const QString tag = QStringLiteral("report %1 (mode %2)").arg(n).arg(r.FilingMode);
-        const auto sheets = printedWords(QStringLiteral("sheets%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, setup, report, r.out, false, false);
-        });
-        const auto bl = printedWords(QStringLiteral("bl%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, setup, report, r.out, false, true);
-        });
-        const auto sections = printedWords(QStringLiteral("report%1.pdf").arg(n), [&](PrintTarget& t) {
-            return PrintNishum(t, setup, report, false);
-        });
-        expectNoWordsTouch(sheets, tag + " sheets");
-        expectNoWordsTouch(bl, tag + " insurance");
-        expectNoWordsTouch(sections, tag + " sections");
-        expectNoHeadingAtTheFoot(sheets, tag + " sheets");
-        expectNoHeadingAtTheFoot(sections, tag + " sections");
+        const struct {
+            const char* what;
+            std::function<bool(PrintTarget&)> job;
+            bool headings;
+        } jobs[] = {
+            {"sheets", [&](PrintTarget& t) { return PrintNishum(t, setup, report, r.out, false, false); }, true},
+            {"insurance", [&](PrintTarget& t) { return PrintNishum(t, setup, report, r.out, false, true); }, false},
+            {"sections", [&](PrintTarget& t) { return PrintNishum(t, setup, report, false); }, true},
+        };
+        for (const auto& job : jobs) {
+            const QString what = tag + ' ' + QLatin1String(job.what);
+            const auto words = pdfWords(printedPdf(QStringLiteral("%1%2.pdf").arg(QLatin1String(job.what)).arg(n), job.job));
+            expectNoWordsTouch(words, what);
+            if (job.headings) expectNoHeadingAtTheFoot(words, what);
+        }
         for (const bool bl : {false, true}) {
             RecordingTarget pages;
             ASSERT_TRUE(PrintNishum(pages, setup, report, r.out, false, bl));
-            expectNoRuleOpensAPage(pages.engine, tag + (bl ? " insurance" : " sheets"));
+            expectNoRuleOpensAPage(pages, tag + (bl ? " insurance" : " sheets"));
         }
         ++n;
     }

@@ -12,12 +12,25 @@
 #include <cmath>
 #include <vector>
 
+#include "print/print_target.h"
+
 namespace zelmor::test {
 
 // A fresh path for a PDF file in a temporary folder of the test run.
 inline QString tempPdfPath(const QString& name) {
     static QTemporaryDir dir;
     return dir.filePath(name);
+}
+
+// Runs one print job into a fresh PDF file and gives the file's path.
+template <class Job>
+QString printedPdf(const QString& name, Job job) {
+    const QString path = tempPdfPath(name);
+    PdfFileTarget target(path);
+    EXPECT_TRUE(job(static_cast<PrintTarget&>(target)));
+    QString error;
+    EXPECT_TRUE(target.finish(&error)) << error.toStdString();
+    return path;
 }
 
 inline QString pdftotext(QStringList args, const QString& path) {
