@@ -3,17 +3,6 @@
 // and Esc cancelling; and its picture for a person to look at (clipping, right
 // to left), written only when ZELMOR_DIALOG_SHOTS names a folder. And the two
 // small dialogs of the installation texts.
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSet>
-#include <QTemporaryDir>
-#include <QTreeWidget>
-
 #include "core/tax_year.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_madadim.h"
@@ -26,7 +15,6 @@
 #include "shell/main_window.h"
 #include "shell/result_view.h"
 #include "storage/install_files.h"
-#include "storage/report_db.h"
 #include "tables/madad_table.h"
 
 using namespace zelmor;
@@ -37,17 +25,13 @@ namespace {
 
 class EveryDialog : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
-            ASSERT_TRUE(db.saveNishum(goldenReport(QLatin1String(name))).ok);
-    }
+    void SetUp() override { saveGoldenReports(db); }
     // A print dialog with a part chosen, so that the preview and the appendix are offered.
     std::unique_ptr<PrintDialog> printDialog() {
         auto d = std::make_unique<PrintDialog>(
             PrintSession{&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
             PrintSetup{dir.path(), today, {}});
-        for (const char* box : {"chkDetails", "chkCalc"}) d->findChild<QCheckBox*>(QLatin1String(box))->setChecked(true);
+        for (const char* box : {"chkDetails", "chkCalc"}) child<QCheckBox>(d.get(), box)->setChecked(true);
         return d;
     }
 
@@ -123,35 +107,34 @@ TEST_F(EveryDialog, TheNameIsStoredTrimmedOnOkOnly) {
 TEST_F(EveryDialog, TheLetterRoundTripsAndClearsOnlyOnTheScreen) {
     const std::string data = dir.path().toStdString();
     const QString letter = QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,");
-    auto button = [](PniaDialog& dlg, const char* name) { return dlg.findChild<QPushButton*>(QLatin1String(name)); };
+    const auto click = [](PniaDialog& dlg, const char* name) { child<QPushButton>(&dlg, name)->click(); };
     {
         PniaDialog dlg(dir.path());
-        auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
+        auto* txt = child<QPlainTextEdit>(&dlg, "txtPnia");
         EXPECT_TRUE(txt->toPlainText().isEmpty());  // no file yet
         txt->setPlainText(letter);
-        button(dlg, "cmdSave")->click();
+        click(dlg, "cmdSave");
         EXPECT_EQ(dlg.result(), QDialog::Accepted);
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
     {
         PniaDialog dlg(dir.path());
         dlg.show();
-        auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
+        auto* txt = child<QPlainTextEdit>(&dlg, "txtPnia");
         EXPECT_EQ(dlg.focusWidget(), txt);
-        EXPECT_EQ(txt->toPlainText(), letter);
         QTest::keyClick(txt, Qt::Key_Tab);  // leaves the letter rather than typing into it
         EXPECT_EQ(txt->toPlainText(), letter);
-        EXPECT_EQ(dlg.focusWidget(), button(dlg, "cmdSave"));
-        button(dlg, "cmdDelPnia")->click();
+        EXPECT_EQ(dlg.focusWidget(), child<QPushButton>(&dlg, "cmdSave"));
+        click(dlg, "cmdDelPnia");
         EXPECT_TRUE(txt->toPlainText().isEmpty());
         EXPECT_EQ(dlg.focusWidget(), txt);
-        button(dlg, "cmdCancel")->click();
+        click(dlg, "cmdCancel");
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
     {
         PniaDialog dlg(dir.path());
-        button(dlg, "cmdDelPnia")->click();
-        button(dlg, "cmdSave")->click();
+        click(dlg, "cmdDelPnia");
+        click(dlg, "cmdSave");
     }
     EXPECT_EQ(storage::Pnia(data), "");
 }
@@ -159,25 +142,17 @@ TEST_F(EveryDialog, TheLetterRoundTripsAndClearsOnlyOnTheScreen) {
 TEST_F(EveryDialog, Pictures) {
     ZELMOR_PICTURES_OR_SKIP(folder);
     auto shoot = [&](QWidget& w, const QString& name) { savePicture(w, folder, name); };
-    {
-        DochListDialog dlg(db);
-        shoot(dlg, "doch_list");
-        dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch"))->setText(QStringLiteral("03"));
-        shoot(dlg, "doch_list_search");
-    }
-    const struct {
-        SimQuestion q;
-        Amount sum;
-        const char* name;
-    } questions[] = {{SimQuestion::IncomeForBalance, 5000, "sim1"},
-                     {SimQuestion::IncomeForTaxPaid, 0, "sim2"},
-                     {SimQuestion::IncomeChange, -12000, "sim3"},
-                     {SimQuestion::TaxChange, 6000, "sim4"}};
-    for (const auto& k : questions) {
-        SimDialog dlg(k.q, report, c, madad, today);
-        if (k.q != SimQuestion::IncomeForTaxPaid) shoot(dlg, QLatin1String(k.name) + "_empty");
-        dlg.runSim(k.sum);
-        shoot(dlg, QLatin1String(k.name));
+    DochListDialog list(db);
+    shoot(list, "doch_list");
+    child<QLineEdit>(&list, "txtSearch")->setText(QStringLiteral("03"));
+    shoot(list, "doch_list_search");
+    const std::tuple<SimQuestion, Amount, const char*> questions[] = {{SimQuestion::IncomeForBalance, 5000, "sim1"},
+        {SimQuestion::IncomeForTaxPaid, 0, "sim2"}, {SimQuestion::IncomeChange, -12000, "sim3"}, {SimQuestion::TaxChange, 6000, "sim4"}};
+    for (const auto& [q, sum, sim] : questions) {
+        SimDialog dlg(q, report, c, madad, today);
+        if (q != SimQuestion::IncomeForTaxPaid) shoot(dlg, QLatin1String(sim) + "_empty");
+        dlg.runSim(sum);
+        shoot(dlg, QLatin1String(sim));
     }
     NameDialog name(dir.path());
     name.findChild<QLineEdit*>()->setText(QStringLiteral("כהן ושות' רואי חשבון"));
@@ -200,9 +175,7 @@ TEST_F(EveryDialog, Pictures) {
         shoot(window, QStringLiteral("entry-%1").arg(page));
     }
     for (const char* name : {"couple", "joint-couple", "fixed-rate-income"}) {
-        window.loadReport(std::string_view(name) == "joint-couple"
-                              ? readReport(QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json"))
-                              : goldenReport(QLatin1String(name) + ".json"));
+        window.loadReport(readReport((std::string_view(name) == "joint-couple" ? kShellData : kGoldenReports) + name + ".json"));
         window.calculate(1);
         for (int sheet = 1; sheet <= 8; ++sheet) {
             window.goSheet(sheet);

@@ -1,12 +1,5 @@
 // The index table grid over the table shipped with the program (published up
 // to 08/2026, so the grid ends with a row for 09/2026), and the update.
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTemporaryDir>
-
 #include "shell/dlg_madadim.h"
 #include "shell/dlg_test_support.h"
 #include "tables/madad_table.h"

@@ -1,15 +1,8 @@
 // The print dialog: the printer list and its PDF entry, the message when
 // nothing is chosen, the jobs of the choices against the command-line tool, the
 // page on show in either mode, and the preview.
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
 
 #include "engine/calc.h"
 #include "print/pdf_text.h"

@@ -1,20 +1,19 @@
 #pragma once
-// What the widget tests share: reading reports, typing any text, the message
-// boxes shown, and the pictures for a person to look at.
+// What the widget tests share: reading reports, finding and typing into the
+// controls, the message boxes shown, and the pictures for a person to look at.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QString>
 #include <QtTest>
+#include <QtWidgets>
 
 #include "report/report_json.h"
 #include "shell/messages.h"
+#include "storage/report_db.h"
 
 namespace zelmor::shell::testing {
 
 inline const QString kGoldenReports = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/");
+inline const QString kShellData = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/");
 
 inline NishumInput readReport(const QString& path) {
     QFile f(path);
@@ -25,6 +24,12 @@ inline NishumInput readReport(const QString& path) {
 // A report of tests/golden/reports by file name.
 inline NishumInput goldenReport(const QString& name) { return readReport(kGoldenReports + name); }
 
+// Four reports of different households, stored for the taxpayer list.
+inline void saveGoldenReports(storage::ReportDb& db) {
+    for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
+        ASSERT_TRUE(db.saveNishum(goldenReport(QLatin1String(name))).ok) << name;
+}
+
 // What zelmor-cli writes on standard output for these words; it must succeed.
 inline QByteArray runCli(const QStringList& args) {
     QProcess p;
@@ -32,6 +37,18 @@ inline QByteArray runCli(const QStringList& args) {
     EXPECT_TRUE(p.waitForFinished(60000));
     EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     return p.readAllStandardOutput();
+}
+
+// The named child of a window, of the type asked for; missing is a failure.
+template <class T = QWidget>
+T* child(const QObject* parent, const char* name) {
+    T* w = parent->findChild<T*>(QLatin1String(name));
+    EXPECT_NE(w, nullptr) << name;
+    return w;
+}
+
+inline QString focusName() {
+    return QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
 }
 
 // Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).

@@ -1,19 +1,6 @@
 // The result screens: the figures on every sheet are those of the result
 // document, the keys move between the sheets as the menus expect, and the
 // interest date changes only the interest.
-#include <gtest/gtest.h>
-
-#include <QCalendarWidget>
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QToolButton>
 #include <memory>
 
 #include "core/values.h"
@@ -29,7 +16,7 @@ namespace {
 
 const Date kToday = *Date::fromYmd(2016, 6, 30);
 const QString kCouple = QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json");
-const QString kJoint = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json");
+const QString kJoint = testing::kShellData + QStringLiteral("joint-couple.json");
 
 // A data folder with the index table that ships with the program, shared by
 // the view and the command line tool.
