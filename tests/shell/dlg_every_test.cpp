@@ -3,7 +3,6 @@
 // and Esc cancelling; and its picture for a person to look at (clipping, right
 // to left), written only when ZELMOR_DIALOG_SHOTS names a folder. And the two
 // small dialogs of the installation texts.
-#include "core/tax_year.h"
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_madadim.h"
 #include "shell/dlg_name.h"
@@ -15,7 +14,6 @@
 #include "shell/main_window.h"
 #include "shell/result_view.h"
 #include "storage/install_files.h"
-#include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
@@ -23,7 +21,7 @@ using namespace zelmor::shell::testing;
 
 namespace {
 
-class EveryDialog : public ::testing::Test {
+class EveryDialog : public DataFolderTest {
 protected:
     void SetUp() override { saveGoldenReports(db); }
     // A print dialog with a part chosen, so that the preview and the appendix are offered.
@@ -35,12 +33,7 @@ protected:
         return d;
     }
 
-    QTemporaryDir dir;
-    MessageRecorder recorder;
     storage::ReportDb db{dir.filePath(QStringLiteral("D2015.BRK")).toStdString()};
-    MadadTable madad{dir.path()};
-    ConstDoch c;
-    const Date today = *Date::fromYmd(2016, 6, 30);
     NishumInput report = goldenReport(QStringLiteral("couple.json"));
     NishumOutput out;
 };

@@ -1,9 +1,7 @@
 // The solving dialog against the solver itself and against zelmor-cli.
-#include "core/tax_year.h"
 #include "core/values.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
@@ -23,15 +21,9 @@ void ask(SimDialog& dlg, const QString& sum) {
     QTest::keyClick(txt, Qt::Key_Return);
 }
 
-class SimDialogTest : public ::testing::Test {
+class SimDialogTest : public DataFolderTest {
 protected:
     SimResult solve(SimQuestion q, Amount sum, const NishumInput& r) const { return Simulate(q, sum, r, c, madad, today); }
-
-    QTemporaryDir dir;
-    MadadTable madad{dir.path()};
-    ConstDoch c;
-    const Date today = *Date::fromYmd(2016, 6, 30);
-    MessageRecorder recorder;
 };
 
 // Every question's answer is the solver's answer for the same report and sum

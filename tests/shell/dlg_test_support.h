@@ -6,9 +6,11 @@
 #include <QtTest>
 #include <QtWidgets>
 
+#include "core/tax_year.h"
 #include "report/report_json.h"
 #include "shell/messages.h"
 #include "storage/report_db.h"
+#include "tables/madad_table.h"
 
 namespace zelmor::shell::testing {
 
@@ -23,6 +25,17 @@ inline NishumInput readReport(const QString& path) {
 
 // A report of tests/golden/reports by file name.
 inline NishumInput goldenReport(const QString& name) { return readReport(kGoldenReports + name); }
+
+// A data folder of the test's own with the index table shipped with the
+// program, the day taken as today, and the message boxes recorded.
+class DataFolderTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    MadadTable madad{dir.path()};
+    const ConstDoch c{};
+    const Date today = *Date::fromYmd(2016, 6, 30);
+    MessageRecorder recorder;
+};
 
 // Four reports of different households, stored for the taxpayer list.
 inline void saveGoldenReports(storage::ReportDb& db) {

@@ -9,32 +9,12 @@
 #include "shell/dlg_test_support.h"
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
-#include "tables/madad_table.h"
 
 namespace zelmor::shell {
 namespace {
 
-const Date kToday = *Date::fromYmd(2016, 6, 30);
 const QString kCouple = QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json");
 const QString kJoint = testing::kShellData + QStringLiteral("joint-couple.json");
-
-// A data folder with the index table that ships with the program, shared by
-// the view and the command line tool.
-struct Data {
-    QTemporaryDir dir;
-    MadadTable madad{dir.path()};
-};
-
-Data& data() {
-    static Data d;
-    return d;
-}
-
-// The result document `zelmor-cli calc` writes for a report.
-QJsonObject cliDocument(const QString& report) {
-    const QStringList args{"calc", report, "--today", "2016-06-30", "--data-dir", data().dir.path()};
-    return QJsonDocument::fromJson(testing::runCli(args)).object();
-}
 
 QString text(const std::string& s) { return QString::fromStdString(s); }
 
@@ -43,27 +23,29 @@ Date isoDate(const QString& s) {
     return *Date::fromYmd(d.year(), d.month(), d.day());
 }
 
-class ResultViewTest : public ::testing::Test {
+class ResultViewTest : public testing::DataFolderTest {
 protected:
     void show(const CalcResult& r, int sheet = 1) {
-        view = std::make_unique<ResultView>(ConstDoch(), data().madad, kToday);
+        view = std::make_unique<ResultView>(c, madad, today);
         view->resize(600, 400);
         view->show();
         view->setResult(r);
         view->goSheet(sheet);
     }
-    static CalcResult calc(const QString& path) {
-        return CalcDoch(testing::readReport(path), ConstDoch(), data().madad, kToday);
+    CalcResult calc(const QString& path) const { return CalcDoch(testing::readReport(path), c, madad, today); }
+    // The result document `zelmor-cli calc` writes for a report.
+    QJsonObject cliDocument(const QString& report) const {
+        const QStringList args{"calc", report, "--today", "2016-06-30", "--data-dir", dir.path()};
+        return QJsonDocument::fromJson(testing::runCli(args)).object();
     }
     SheetCanvas* canvas() const {
-        for (SheetCanvas* c : view->findChildren<SheetCanvas*>())
-            if (c->isVisibleTo(view.get())) return c;
+        for (SheetCanvas* s : view->findChildren<SheetCanvas*>())
+            if (s->isVisibleTo(view.get())) return s;
         return nullptr;
     }
     QLabel* label(const char* name) const { return canvas()->findChild<QLabel*>(QString::fromUtf8(name)); }
     QLineEdit* dateField() const { return canvas()->dateField(); }
 
-    MessageRecorder messages;
     std::unique_ptr<ResultView> view;
 };
 
@@ -82,7 +64,7 @@ TEST_F(ResultViewTest, EverySheetShowsTheFiguresOfTheCalcCommand) {
             const char* name = allSheets()[static_cast<std::size_t>(page - 1)].name;
             const QJsonObject values = doc.value(QString::fromUtf8(name)).toObject();
             ASSERT_FALSE(values.isEmpty()) << name;
-            for (const Placed& p : placeRows(view->result().out, sheet, sheetParams(ConstDoch()))) {
+            for (const Placed& p : placeRows(view->result().out, sheet, sheetParams(c))) {
                 if (p.what != WalkStep::Row) continue;
                 for (int slot = 0; slot < 8; ++slot) {
                     const char* field = p.row->fields[static_cast<std::size_t>(slot)];
@@ -179,15 +161,15 @@ TEST_F(ResultViewTest, TheInterestDateChangesOnlyTheInterest) {
     EXPECT_EQ(allButInterest(view->result().out), allButInterest(original.out));
     EXPECT_EQ(dateField()->text(), "31/12/2016");
     EXPECT_EQ(label("Ribit")->text(), text(FormatAmount(main.Ribit.value())));
-    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_TRUE(recorder.shown.empty());
 
     // A day that does not exist: the message, and the last good date stays;
     // the empty mask does nothing.
     enter("31/02/2015");
-    testing::expectLastMessage(messages, MsgIcon::Exclamation, "חישוב ריבית", "תאריך לא חוקי");
+    testing::expectLastMessage(recorder, MsgIcon::Exclamation, "חישוב ריבית", "תאריך לא חוקי");
     EXPECT_EQ(view->result().out.Main.RibitDate, endOf2016);
     enter("");
-    EXPECT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(recorder.shown.size(), 1u);
     EXPECT_EQ(view->result().out.Main.RibitDate, endOf2016);
 
     // A date picked from the calendar goes through the same rule.
