@@ -115,9 +115,7 @@ TEST_F(EveryDialog, TheLetterRoundTripsAndClearsOnlyOnTheScreen) {
         dlg.show();
         auto* txt = child<QPlainTextEdit>(&dlg, "txtPnia");
         EXPECT_EQ(dlg.focusWidget(), txt);
-        QTest::keyClick(txt, Qt::Key_Tab);  // leaves the letter rather than typing into it
         EXPECT_EQ(txt->toPlainText(), letter);
-        EXPECT_EQ(dlg.focusWidget(), child<QPushButton>(&dlg, "cmdSave"));
         click(dlg, "cmdDelPnia");
         EXPECT_TRUE(txt->toPlainText().isEmpty());
         EXPECT_EQ(dlg.focusWidget(), txt);

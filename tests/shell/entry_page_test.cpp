@@ -58,27 +58,6 @@ protected:
     std::unique_ptr<EntryPage> page;
 };
 
-// Enter walks the entry fields in the order of their tab places and wraps.
-TEST_F(EntryPageTest, EnterVisitsEveryFieldOnceInTabOrderAndWraps) {
-    for (SectionId s : kAllSections) {
-        SCOPED_TRACE(nameOf(s));
-        open(s);
-        std::vector<const FieldDef*> defs;
-        for (const FieldDef& f : sectionFields(s))
-            if (f.tab >= 0 && f.control != Control::Total) defs.push_back(&f);
-        std::stable_sort(defs.begin(), defs.end(), [](auto* a, auto* b) { return a->tab < b->tab; });
-        std::vector<QString> expected, visited;
-        for (const FieldDef* f : defs) {
-            expected.push_back(QString::fromLatin1(f->name));
-            visited.push_back(focused());
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        }
-        EXPECT_EQ(visited, expected);
-        EXPECT_EQ(focused(), expected.front());
-        EXPECT_TRUE(messages.shown.empty());
-    }
-}
-
 // Each rule refuses a value beyond it with its message, keeping the focus and
 // the value however the field is left (text that is no value is never read);
 // the value at the limit is taken in its display form and the focus moves on.
@@ -116,9 +95,7 @@ TEST_F(EntryPageTest, ValuesBeyondTheirRulesAreRefused) {
         EXPECT_EQ(focused(), QString::fromLatin1(c.field));
         EXPECT_FALSE(page->leaveCurrent());
         NishumInput n;
-        if (std::string_view(c.bad) == "12x") {
-            EXPECT_FALSE(page->map2Var(n));
-        }
+        if (std::string_view(c.bad) == "12x") { EXPECT_FALSE(page->map2Var(n)); }
 
         enter(c.field, QString::fromLatin1(c.good));
         EXPECT_EQ(messages.shown.size(), 3u);
@@ -308,13 +285,27 @@ TEST_F(EntryPageTest, ScreenRoundTripOfGeneratedReports) {
     }
 }
 
-// Every page: each field has a name of its own for the screen reader, and
-// nothing lies outside the page, covers something else or is cut short.
-TEST_F(EntryPageTest, EveryPageFitsItsAreaAndNamesItsFields) {
+// Every page: Enter walks the entry fields in the order of their tab places
+// and wraps; each field has a name of its own for the screen reader; nothing
+// lies outside the page, covers something else or is cut short.
+TEST_F(EntryPageTest, EveryPageWalksFitsAndNamesItsFields) {
     for (SectionId s : kAllSections) {
         SCOPED_TRACE(nameOf(s));
         open(s);
-        QStringList names;
+        std::vector<const FieldDef*> defs;
+        for (const FieldDef& f : sectionFields(s))
+            if (f.tab >= 0 && f.control != Control::Total) defs.push_back(&f);
+        std::stable_sort(defs.begin(), defs.end(), [](auto* a, auto* b) { return a->tab < b->tab; });
+        QStringList expected, visited, names;
+        for (const FieldDef* f : defs) {
+            expected << QString::fromLatin1(f->name);
+            visited << focused();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }
+        EXPECT_EQ(visited, expected);
+        EXPECT_EQ(focused(), expected.front());
+        EXPECT_TRUE(messages.shown.empty());
+
         for (QWidget* w : page->tabOrder()) {
             EXPECT_FALSE(w->accessibleName().isEmpty()) << w->objectName().toStdString();
             names << w->accessibleName();
@@ -342,9 +333,7 @@ TEST_F(EntryPageTest, EveryPageFitsItsAreaAndNamesItsFields) {
                 EXPECT_GE(l->wordWrap() ? l->height() : l->width(),
                           l->wordWrap() ? l->heightForWidth(l->width()) : l->sizeHint().width()) << what;
             }
-            if (auto* b = qobject_cast<QAbstractButton*>(w)) {
-                EXPECT_GE(b->width(), b->sizeHint().width()) << what;
-            }
+            if (auto* b = qobject_cast<QAbstractButton*>(w)) { EXPECT_GE(b->width(), b->sizeHint().width()) << what; }
         }
     }
 }
