@@ -1,8 +1,6 @@
 // What every dialog shares: it can be worked from the keyboard, Tab reaching
 // each control that takes the focus (of a group of options, the chosen one)
-// and Esc cancelling; and its picture for a person to look at (clipping, right
-// to left), written only when ZELMOR_DIALOG_SHOTS names a folder. And the two
-// small dialogs of the installation texts.
+// and Esc cancelling. And the two small dialogs of the installation texts.
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_madadim.h"
 #include "shell/dlg_name.h"
@@ -10,9 +8,6 @@
 #include "shell/dlg_print.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "shell/explain_panel.h"
-#include "shell/main_window.h"
-#include "shell/result_view.h"
 #include "storage/install_files.h"
 
 using namespace zelmor;
@@ -21,22 +16,7 @@ using namespace zelmor::shell::testing;
 
 namespace {
 
-class EveryDialog : public DataFolderTest {
-protected:
-    void SetUp() override { saveGoldenReports(db); }
-    // A print dialog with a part chosen, so that the preview and the appendix are offered.
-    std::unique_ptr<PrintDialog> printDialog() {
-        auto d = std::make_unique<PrintDialog>(
-            PrintSession{&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
-            PrintSetup{dir.path(), today, {}});
-        for (const char* box : {"chkDetails", "chkCalc"}) child<QCheckBox>(d.get(), box)->setChecked(true);
-        return d;
-    }
-
-    storage::ReportDb db{dir.filePath(QStringLiteral("D2015.BRK")).toStdString()};
-    NishumInput report = goldenReport(QStringLiteral("couple.json"));
-    NishumOutput out;
-};
+using EveryDialog = DataFolderTest;
 
 void expectKeyboardComplete(QDialog& dlg, const char* what) {
     SCOPED_TRACE(what);
@@ -62,8 +42,11 @@ void expectKeyboardComplete(QDialog& dlg, const char* what) {
 }
 
 TEST_F(EveryDialog, TabReachesEveryControlAndEscCancels) {
+    storage::ReportDb db(dir.filePath(QStringLiteral("D2015.BRK")).toStdString());
+    saveGoldenReports(db);
     DochListDialog list(db);
     expectKeyboardComplete(list, "taxpayer list");
+    NishumInput report = goldenReport(QStringLiteral("couple.json"));
     for (auto q : {SimQuestion::IncomeForBalance, SimQuestion::IncomeChange, SimQuestion::TaxChange}) {
         SimDialog sim(q, report, c, madad, today);
         sim.runSim(1000);  // with an answer, so that "עדכון" is enabled
@@ -75,7 +58,12 @@ TEST_F(EveryDialog, TabReachesEveryControlAndEscCancels) {
     expectKeyboardComplete(pnia, "covering letter");
     MadadimDialog madadim(madad);
     expectKeyboardComplete(madadim, "index table");
-    expectKeyboardComplete(*printDialog(), "print");
+    // With a part chosen, so that the preview and the appendix are offered.
+    NishumOutput out;
+    PrintDialog print({&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
+                      {dir.path(), today, {}});
+    for (const char* box : {"chkDetails", "chkCalc"}) child<QCheckBox>(&print, box)->setChecked(true);
+    expectKeyboardComplete(print, "print");
 }
 
 // The two installation texts: written, read back by the routines the
@@ -128,55 +116,6 @@ TEST_F(EveryDialog, TheLetterRoundTripsAndClearsOnlyOnTheScreen) {
         click(dlg, "cmdSave");
     }
     EXPECT_EQ(storage::Pnia(data), "");
-}
-
-TEST_F(EveryDialog, Pictures) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    auto shoot = [&](QWidget& w, const QString& name) { savePicture(w, folder, name); };
-    DochListDialog list(db);
-    shoot(list, "doch_list");
-    child<QLineEdit>(&list, "txtSearch")->setText(QStringLiteral("03"));
-    shoot(list, "doch_list_search");
-    const std::tuple<SimQuestion, Amount, const char*> questions[] = {{SimQuestion::IncomeForBalance, 5000, "sim1"},
-        {SimQuestion::IncomeForTaxPaid, 0, "sim2"}, {SimQuestion::IncomeChange, -12000, "sim3"}, {SimQuestion::TaxChange, 6000, "sim4"}};
-    for (const auto& [q, sum, sim] : questions) {
-        SimDialog dlg(q, report, c, madad, today);
-        if (q != SimQuestion::IncomeForTaxPaid) shoot(dlg, QLatin1String(sim) + "_empty");
-        dlg.runSim(sum);
-        shoot(dlg, QLatin1String(sim));
-    }
-    NameDialog name(dir.path());
-    name.findChild<QLineEdit*>()->setText(QStringLiteral("כהן ושות' רואי חשבון"));
-    shoot(name, "name");
-    PniaDialog pnia(dir.path());
-    pnia.findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
-    shoot(pnia, "pnia");
-    MadadimDialog madadim(madad);
-    shoot(madadim, "madadim");
-    auto print = printDialog();
-    print->setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
-    print->setCurrentPrinter(QStringLiteral("Office"));
-    shoot(*print, "print");
-
-    // The entry pages, every sheet of three reports, and an explanation.
-    MainWindow window({dir.path(), dir.filePath(QStringLiteral("D2015.BRK")), today});
-    window.loadReport(report);
-    for (int page = 1; page <= 9; ++page) {
-        window.goPage(page);
-        shoot(window, QStringLiteral("entry-%1").arg(page));
-    }
-    for (const char* name : {"couple", "joint-couple", "fixed-rate-income"}) {
-        window.loadReport(readReport((std::string_view(name) == "joint-couple" ? kShellData : kGoldenReports) + name + ".json"));
-        window.calculate(1);
-        for (int sheet = 1; sheet <= 8; ++sheet) {
-            window.goSheet(sheet);
-            shoot(*window.resultView(), QStringLiteral("sheet-%1-%2").arg(QLatin1String(name)).arg(sheet));
-        }
-    }
-    window.explainCell(SheetId::CMain, QStringLiteral("MasMagiaM"));
-    window.explainPanel()->tree()->expandToDepth(1);
-    window.explainPanel()->resize(760, 520);
-    shoot(*window.explainPanel(), "explain-panel");
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ protected:
 
     PrintSession session(bool editMode) {
         return {&report_, &out_, SectionId::Yegia, SheetId::CHishuv, editMode, [this](NishumOutput& o, trace::Trace* sink) {
-                    o = CalcDoch(report_, ConstDoch(), madad, today, sink).out;
+                    o = CalcDoch(report_, c, madad, today, sink).out;
                     return true;
                 }};
     }
@@ -37,16 +37,14 @@ protected:
 
     // A dialog with no printer of the system, the PDF entry chosen and the
     // file chooser answering `path`.
-    std::unique_ptr<PrintDialog> pdfDialog(const PrintChoices& c, const QString& path, bool editMode = true) {
+    std::unique_ptr<PrintDialog> pdfDialog(const PrintChoices& parts, const QString& path, bool editMode = true) {
         auto d = std::make_unique<PrintDialog>(session(editMode), setup());
         d->setPrinters({});
         printers(*d)->setCurrentText(PrintDialog::pdfEntryText());
         d->setFileChooser([path](QWidget*) { return path; });
-        check(*d, "chkDetails", c.details);
-        check(*d, "chkBL", c.bl);
-        check(*d, "chkCurrPage", c.currPage);
-        check(*d, "chkCalc", c.calc);
-        check(*d, "chkExplain", c.explain);
+        for (const auto& [box, on] : {std::pair{"chkDetails", parts.details}, {"chkBL", parts.bl}, {"chkCurrPage", parts.currPage},
+                                      {"chkCalc", parts.calc}, {"chkExplain", parts.explain}})
+            check(*d, box, on);
         return d;
     }
 
@@ -143,7 +141,7 @@ TEST_F(PrintDialogTest, NothingIsWrittenWithoutAPlaceOrAPart) {
 // "עמוד נוכחי" prints the section on show while editing and the sheet on show
 // while the results are on screen.
 TEST_F(PrintDialogTest, CurrentPageIsTheSectionOrTheSheetOnShow) {
-    out_ = CalcDoch(report_, ConstDoch(), madad, today).out;
+    out_ = CalcDoch(report_, c, madad, today).out;
     for (bool editMode : {true, false}) {
         SCOPED_TRACE(editMode ? "edit mode" : "result mode");
         const QString mine = dir.filePath(editMode ? QStringLiteral("page-edit.pdf") : QStringLiteral("page-result.pdf"));

@@ -1,6 +1,6 @@
 #pragma once
-// What the widget tests share: reading reports, finding and typing into the
-// controls, the message boxes shown, and the pictures for a person to look at.
+// What the widget tests share: reading reports, a data folder, finding and
+// typing into the controls, and the message boxes shown.
 #include <gtest/gtest.h>
 
 #include <QtTest>
@@ -81,24 +81,5 @@ inline void expectLastMessage(const MessageRecorder& r, MsgIcon icon, const QStr
     else
         EXPECT_EQ(m.text, text);
 }
-
-// The folder that ZELMOR_DIALOG_SHOTS names: pictures of the screens are
-// written only when it is set (the picture tests skip otherwise).
-inline QString picturesFolder() {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (!folder.isEmpty()) QDir().mkpath(folder);
-    return folder;
-}
-
-// A picture of the widget, shown and painted, as <folder>/<name>.png.
-inline void savePicture(QWidget& w, const QString& folder, const QString& name) {
-    w.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
-    ASSERT_TRUE(w.grab().save(QDir(folder).filePath(name + QStringLiteral(".png"))));
-}
-
-#define ZELMOR_PICTURES_OR_SKIP(folder)             \
-    const QString folder = ::zelmor::shell::testing::picturesFolder(); \
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the pictures"
 
 }  // namespace zelmor::shell::testing
