@@ -1,15 +1,6 @@
 // The taxpayer list over a temporary database with a few stored reports.
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QAbstractItemModel>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTemporaryDir>
-
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_test_support.h"
-#include "storage/report_db.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
@@ -19,36 +10,28 @@ namespace {
 
 class DochListTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        db = std::make_unique<storage::ReportDb>(dir.filePath(QStringLiteral("D2015.BRK")).toStdString());
-    }
-    void fill() {
-        for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
-            ASSERT_TRUE(db->saveNishum(goldenReport(QLatin1String(name))).ok) << name;
-    }
+    void SetUp() override { saveGoldenReports(db); }
     static QStringList column(DochListDialog& dlg, int col) {
         QStringList out;
-        const QAbstractItemModel* m = dlg.findChild<QTableView*>(QStringLiteral("dbdochlist"))->model();
+        const QAbstractItemModel* m = child<QTableView>(&dlg, "dbdochlist")->model();
         for (int r = 0; r < m->rowCount(); ++r) out << m->index(r, col).data().toString();
         return out;
     }
-    QStringList stored(storage::ListOrder order) const {
+    QStringList stored(storage::ListOrder order) {
         QStringList out;
-        for (const auto& r : db->listNames(order)) out << QString::fromStdString(r.dID);
+        for (const auto& r : db.listNames(order)) out << QString::fromStdString(r.dID);
         return out;
     }
-    static void click(DochListDialog& dlg, const char* name) { dlg.findChild<QAbstractButton*>(QLatin1String(name))->click(); }
-    static QLineEdit* search(DochListDialog& dlg) { return dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch")); }
+    static void click(DochListDialog& dlg, const char* name) { child<QAbstractButton>(&dlg, name)->click(); }
+    static QLineEdit* search(DochListDialog& dlg) { return child<QLineEdit>(&dlg, "txtSearch"); }
 
     QTemporaryDir dir;
-    std::unique_ptr<storage::ReportDb> db;
+    storage::ReportDb db{dir.filePath(QStringLiteral("D2015.BRK")).toStdString()};
     MessageRecorder recorder;
 };
 
 TEST_F(DochListTest, SortsByNameOrIdAndOpensTheFirstRow) {
-    fill();
-    DochListDialog dlg(*db);
+    DochListDialog dlg(db);
     EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ByName));
     click(dlg, "IDSort");
     EXPECT_EQ(column(dlg, 0), stored(storage::ListOrder::ById));
@@ -66,8 +49,7 @@ TEST_F(DochListTest, SortsByNameOrIdAndOpensTheFirstRow) {
 }
 
 TEST_F(DochListTest, SearchNarrowsTheGridAndEnterOpensTheMatch) {
-    fill();
-    DochListDialog dlg(*db);
+    DochListDialog dlg(db);
     dlg.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dlg));
     QLineEdit* box = search(dlg);
@@ -91,7 +73,7 @@ TEST_F(DochListTest, SearchNarrowsTheGridAndEnterOpensTheMatch) {
     box->clear();
     EXPECT_EQ(dlg.visibleRows(), 4);
     QTest::keyClick(box, Qt::Key_Down);  // the arrows move the current row from the search box
-    EXPECT_EQ(dlg.findChild<QTableView*>(QStringLiteral("dbdochlist"))->currentIndex().row(), 1);
+    EXPECT_EQ(child<QTableView>(&dlg, "dbdochlist")->currentIndex().row(), 1);
     typeText(box, QStringLiteral("054321096"));
     QTest::keyClick(box, Qt::Key_Return);
     EXPECT_EQ(dlg.result(), QDialog::Accepted);
@@ -99,19 +81,18 @@ TEST_F(DochListTest, SearchNarrowsTheGridAndEnterOpensTheMatch) {
 }
 
 TEST_F(DochListTest, DeleteAsksFirst) {
-    fill();
-    DochListDialog dlg(*db);
+    DochListDialog dlg(db);
     typeText(search(dlg), QStringLiteral("034567818"));
     recorder.answers = {QMessageBox::No};
     click(dlg, "btnDelete");
     ASSERT_EQ(recorder.shown.size(), 1u);
     EXPECT_EQ(recorder.shown[0].text, QStringLiteral("האם את/ה בטוח/ה שברצונך למחוק את הדו\"ח ?"));
-    EXPECT_EQ(db->countStored(), 4u);
+    EXPECT_EQ(db.countStored(), 4u);
     EXPECT_EQ(dlg.visibleRows(), 1);
 
     recorder.answers = {QMessageBox::Yes};
     click(dlg, "btnDelete");
-    EXPECT_EQ(db->countStored(), 3u);
+    EXPECT_EQ(db.countStored(), 3u);
     EXPECT_EQ(dlg.visibleRows(), 0);  // the search stays; its one match is gone
     search(dlg)->clear();
     EXPECT_EQ(dlg.visibleRows(), 3);
@@ -120,7 +101,7 @@ TEST_F(DochListTest, DeleteAsksFirst) {
     // With no row to delete a Yes deletes nothing.
     typeText(search(dlg), QStringLiteral("no such client"));
     click(dlg, "btnDelete");
-    EXPECT_EQ(db->countStored(), 3u);
+    EXPECT_EQ(db.countStored(), 3u);
 }
 
 }  // namespace

@@ -1,20 +1,6 @@
 // What every dialog shares: it can be worked from the keyboard, Tab reaching
 // each control that takes the focus (of a group of options, the chosen one)
-// and Esc cancelling; and its picture for a person to look at (clipping, right
-// to left), written only when ZELMOR_DIALOG_SHOTS names a folder. And the two
-// small dialogs of the installation texts.
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSet>
-#include <QTemporaryDir>
-#include <QTreeWidget>
-
-#include "core/tax_year.h"
+// and Esc cancelling. And the two small dialogs of the installation texts.
 #include "shell/dlg_doch_list.h"
 #include "shell/dlg_madadim.h"
 #include "shell/dlg_name.h"
@@ -22,12 +8,7 @@
 #include "shell/dlg_print.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "shell/explain_panel.h"
-#include "shell/main_window.h"
-#include "shell/result_view.h"
 #include "storage/install_files.h"
-#include "storage/report_db.h"
-#include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
@@ -35,31 +16,7 @@ using namespace zelmor::shell::testing;
 
 namespace {
 
-class EveryDialog : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
-            ASSERT_TRUE(db.saveNishum(goldenReport(QLatin1String(name))).ok);
-    }
-    // A print dialog with a part chosen, so that the preview and the appendix are offered.
-    std::unique_ptr<PrintDialog> printDialog() {
-        auto d = std::make_unique<PrintDialog>(
-            PrintSession{&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
-            PrintSetup{dir.path(), today, {}});
-        for (const char* box : {"chkDetails", "chkCalc"}) d->findChild<QCheckBox*>(QLatin1String(box))->setChecked(true);
-        return d;
-    }
-
-    QTemporaryDir dir;
-    MessageRecorder recorder;
-    storage::ReportDb db{dir.filePath(QStringLiteral("D2015.BRK")).toStdString()};
-    MadadTable madad{dir.path()};
-    ConstDoch c;
-    const Date today = *Date::fromYmd(2016, 6, 30);
-    NishumInput report = goldenReport(QStringLiteral("couple.json"));
-    NishumOutput out;
-};
+using EveryDialog = DataFolderTest;
 
 void expectKeyboardComplete(QDialog& dlg, const char* what) {
     SCOPED_TRACE(what);
@@ -85,8 +42,11 @@ void expectKeyboardComplete(QDialog& dlg, const char* what) {
 }
 
 TEST_F(EveryDialog, TabReachesEveryControlAndEscCancels) {
+    storage::ReportDb db(dir.filePath(QStringLiteral("D2015.BRK")).toStdString());
+    saveGoldenReports(db);
     DochListDialog list(db);
     expectKeyboardComplete(list, "taxpayer list");
+    NishumInput report = goldenReport(QStringLiteral("couple.json"));
     for (auto q : {SimQuestion::IncomeForBalance, SimQuestion::IncomeChange, SimQuestion::TaxChange}) {
         SimDialog sim(q, report, c, madad, today);
         sim.runSim(1000);  // with an answer, so that "עדכון" is enabled
@@ -98,7 +58,12 @@ TEST_F(EveryDialog, TabReachesEveryControlAndEscCancels) {
     expectKeyboardComplete(pnia, "covering letter");
     MadadimDialog madadim(madad);
     expectKeyboardComplete(madadim, "index table");
-    expectKeyboardComplete(*printDialog(), "print");
+    // With a part chosen, so that the preview and the appendix are offered.
+    NishumOutput out;
+    PrintDialog print({&report, &out, SectionId::Yegia, SheetId::CHishuv, true, [](NishumOutput&, trace::Trace*) { return true; }},
+                      {dir.path(), today, {}});
+    for (const char* box : {"chkDetails", "chkCalc"}) child<QCheckBox>(&print, box)->setChecked(true);
+    expectKeyboardComplete(print, "print");
 }
 
 // The two installation texts: written, read back by the routines the
@@ -123,96 +88,34 @@ TEST_F(EveryDialog, TheNameIsStoredTrimmedOnOkOnly) {
 TEST_F(EveryDialog, TheLetterRoundTripsAndClearsOnlyOnTheScreen) {
     const std::string data = dir.path().toStdString();
     const QString letter = QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,");
-    auto button = [](PniaDialog& dlg, const char* name) { return dlg.findChild<QPushButton*>(QLatin1String(name)); };
+    const auto click = [](PniaDialog& dlg, const char* name) { child<QPushButton>(&dlg, name)->click(); };
     {
         PniaDialog dlg(dir.path());
-        auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
+        auto* txt = child<QPlainTextEdit>(&dlg, "txtPnia");
         EXPECT_TRUE(txt->toPlainText().isEmpty());  // no file yet
         txt->setPlainText(letter);
-        button(dlg, "cmdSave")->click();
+        click(dlg, "cmdSave");
         EXPECT_EQ(dlg.result(), QDialog::Accepted);
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
     {
         PniaDialog dlg(dir.path());
         dlg.show();
-        auto* txt = dlg.findChild<QPlainTextEdit*>(QStringLiteral("txtPnia"));
+        auto* txt = child<QPlainTextEdit>(&dlg, "txtPnia");
         EXPECT_EQ(dlg.focusWidget(), txt);
         EXPECT_EQ(txt->toPlainText(), letter);
-        QTest::keyClick(txt, Qt::Key_Tab);  // leaves the letter rather than typing into it
-        EXPECT_EQ(txt->toPlainText(), letter);
-        EXPECT_EQ(dlg.focusWidget(), button(dlg, "cmdSave"));
-        button(dlg, "cmdDelPnia")->click();
+        click(dlg, "cmdDelPnia");
         EXPECT_TRUE(txt->toPlainText().isEmpty());
         EXPECT_EQ(dlg.focusWidget(), txt);
-        button(dlg, "cmdCancel")->click();
+        click(dlg, "cmdCancel");
     }
     EXPECT_EQ(storage::Pnia(data), "לכבוד\r\nפקיד השומה\r\nשלום רב,");
     {
         PniaDialog dlg(dir.path());
-        button(dlg, "cmdDelPnia")->click();
-        button(dlg, "cmdSave")->click();
+        click(dlg, "cmdDelPnia");
+        click(dlg, "cmdSave");
     }
     EXPECT_EQ(storage::Pnia(data), "");
-}
-
-TEST_F(EveryDialog, Pictures) {
-    ZELMOR_PICTURES_OR_SKIP(folder);
-    auto shoot = [&](QWidget& w, const QString& name) { savePicture(w, folder, name); };
-    {
-        DochListDialog dlg(db);
-        shoot(dlg, "doch_list");
-        dlg.findChild<QLineEdit*>(QStringLiteral("txtSearch"))->setText(QStringLiteral("03"));
-        shoot(dlg, "doch_list_search");
-    }
-    const struct {
-        SimQuestion q;
-        Amount sum;
-        const char* name;
-    } questions[] = {{SimQuestion::IncomeForBalance, 5000, "sim1"},
-                     {SimQuestion::IncomeForTaxPaid, 0, "sim2"},
-                     {SimQuestion::IncomeChange, -12000, "sim3"},
-                     {SimQuestion::TaxChange, 6000, "sim4"}};
-    for (const auto& k : questions) {
-        SimDialog dlg(k.q, report, c, madad, today);
-        if (k.q != SimQuestion::IncomeForTaxPaid) shoot(dlg, QLatin1String(k.name) + "_empty");
-        dlg.runSim(k.sum);
-        shoot(dlg, QLatin1String(k.name));
-    }
-    NameDialog name(dir.path());
-    name.findChild<QLineEdit*>()->setText(QStringLiteral("כהן ושות' רואי חשבון"));
-    shoot(name, "name");
-    PniaDialog pnia(dir.path());
-    pnia.findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("לכבוד\nפקיד השומה\nשלום רב,"));
-    shoot(pnia, "pnia");
-    MadadimDialog madadim(madad);
-    shoot(madadim, "madadim");
-    auto print = printDialog();
-    print->setPrinters({QStringLiteral("HP LaserJet 400 (חדר 2)"), QStringLiteral("Office")});
-    print->setCurrentPrinter(QStringLiteral("Office"));
-    shoot(*print, "print");
-
-    // The entry pages, every sheet of three reports, and an explanation.
-    MainWindow window({dir.path(), dir.filePath(QStringLiteral("D2015.BRK")), today});
-    window.loadReport(report);
-    for (int page = 1; page <= 9; ++page) {
-        window.goPage(page);
-        shoot(window, QStringLiteral("entry-%1").arg(page));
-    }
-    for (const char* name : {"couple", "joint-couple", "fixed-rate-income"}) {
-        window.loadReport(std::string_view(name) == "joint-couple"
-                              ? readReport(QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json"))
-                              : goldenReport(QLatin1String(name) + ".json"));
-        window.calculate(1);
-        for (int sheet = 1; sheet <= 8; ++sheet) {
-            window.goSheet(sheet);
-            shoot(*window.resultView(), QStringLiteral("sheet-%1-%2").arg(QLatin1String(name)).arg(sheet));
-        }
-    }
-    window.explainCell(SheetId::CMain, QStringLiteral("MasMagiaM"));
-    window.explainPanel()->tree()->expandToDepth(1);
-    window.explainPanel()->resize(760, 520);
-    shoot(*window.explainPanel(), "explain-panel");
 }
 
 }  // namespace

@@ -1,15 +1,7 @@
 // The index table grid over the table shipped with the program (published up
 // to 08/2026, so the grid ends with a row for 09/2026), and the update.
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTemporaryDir>
-
 #include "shell/dlg_madadim.h"
 #include "shell/dlg_test_support.h"
-#include "tables/madad_table.h"
 
 namespace zelmor::shell {
 namespace {
@@ -23,12 +15,11 @@ QByteArray readAll(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-class MadadimDialogTest : public ::testing::Test {
+class MadadimDialogTest : public testing::DataFolderTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        ASSERT_TRUE(table_.ok()) << table_.errorString().toStdString();
-        ASSERT_EQ(table_.lockMonth(), kLockMonth);
+        ASSERT_TRUE(madad.ok()) << madad.errorString().toStdString();
+        ASSERT_EQ(madad.lockMonth(), kLockMonth);
         dialog_.show();
         QApplication::setActiveWindow(&dialog_);
     }
@@ -53,10 +44,7 @@ protected:
         return qobject_cast<QLineEdit*>(QApplication::focusWidget());
     }
 
-    QTemporaryDir dir_;
-    MadadTable table_{dir_.path()};
-    MessageRecorder messages_;
-    MadadimDialog dialog_{table_};
+    MadadimDialog dialog_{madad};
 };
 
 TEST_F(MadadimDialogTest, FormatsAndTheNewestMonthsInView) {
@@ -93,16 +81,16 @@ TEST_F(MadadimDialogTest, PublishedMonthsAndOtherColumnsCannotBeEdited) {
 // the cursor stays on the cell with what was typed; a number is then taken,
 // worked into the 9/51 base, written at once and used by the next calculation.
 TEST_F(MadadimDialogTest, RefusedValuesHoldTheCellUntilANumberIsGiven) {
-    const QByteArray before = readAll(table_.filePath());
-    const double mekadem = table_.rows().back().mekadem;
+    const QByteArray before = readAll(madad.filePath());
+    const double mekadem = madad.rows().back().mekadem;
     for (const auto& [text, message] : {std::pair{"abc", "מספר לא חוקי"}, std::pair{"1e20", "גדול מהמותר"}}) {
         SCOPED_TRACE(text);
-        messages_.shown.clear();
+        recorder.shown.clear();
         QLineEdit* editor = type(QString::fromLatin1(text));
-        ASSERT_EQ(messages_.shown.size(), 1u);
-        EXPECT_EQ(messages_.shown[0].icon, MsgIcon::Exclamation);
-        EXPECT_EQ(messages_.shown[0].title, "Zelmor - מדדים");
-        EXPECT_TRUE(messages_.lastText().contains(QString::fromUtf8(message))) << messages_.lastText().toStdString();
+        ASSERT_EQ(recorder.shown.size(), 1u);
+        EXPECT_EQ(recorder.shown[0].icon, MsgIcon::Exclamation);
+        EXPECT_EQ(recorder.shown[0].title, "Zelmor - מדדים");
+        EXPECT_TRUE(recorder.lastText().contains(QString::fromUtf8(message))) << recorder.lastText().toStdString();
         EXPECT_TRUE(dialog_.badEntryPending());
         ASSERT_NE(editor, nullptr);
         EXPECT_EQ(editor->text(), text);
@@ -110,7 +98,7 @@ TEST_F(MadadimDialogTest, RefusedValuesHoldTheCellUntilANumberIsGiven) {
         QTest::keyClick(editor, Qt::Key_Escape);  // gives the typing up
         EXPECT_FALSE(dialog_.badEntryPending());
     }
-    EXPECT_EQ(readAll(table_.filePath()), before);
+    EXPECT_EQ(readAll(madad.filePath()), before);
 
     QLineEdit* editor = type(QStringLiteral("abc"));
     ASSERT_NE(editor, nullptr);
@@ -122,8 +110,8 @@ TEST_F(MadadimDialogTest, RefusedValuesHoldTheCellUntilANumberIsGiven) {
     EXPECT_EQ(cell(kNewMonth).data().toString(), "106.2");
     EXPECT_EQ(cell(kNewMonth, MadadimDialog::ColBasis51).data().toString(),
               QLocale(QLocale::English).toString(106.2 * mekadem, 'f', 1));
-    EXPECT_DOUBLE_EQ(table_.GetMadad(kNewMonthDay), 106.2 * mekadem);
-    EXPECT_DOUBLE_EQ(MadadTable(dir_.path()).GetMadad(kNewMonthDay), 106.2 * mekadem);
+    EXPECT_DOUBLE_EQ(madad.GetMadad(kNewMonthDay), 106.2 * mekadem);
+    EXPECT_DOUBLE_EQ(MadadTable(dir.path()).GetMadad(kNewMonthDay), 106.2 * mekadem);
     // The month after it is offered next.
     EXPECT_EQ(dialog_.rowOfMonth("202610"), dialog_.grid()->model()->rowCount() - 1);
 }

@@ -1,21 +1,13 @@
 // The print dialog: the printer list and its PDF entry, the message when
 // nothing is chosen, the jobs of the choices against the command-line tool, the
 // page on show in either mode, and the preview.
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
 
 #include "engine/calc.h"
 #include "print/pdf_text.h"
 #include "shell/dlg_print.h"
 #include "shell/dlg_test_support.h"
-#include "tables/madad_table.h"
 
 namespace zelmor::shell {
 namespace {
@@ -25,51 +17,44 @@ const QString kReportPath = testing::kGoldenReports + QStringLiteral("single.jso
 void check(PrintDialog& d, const char* box, bool on) { d.findChild<QCheckBox*>(QLatin1String(box))->setChecked(on); }
 QComboBox* printers(PrintDialog& d) { return d.findChild<QComboBox*>(QStringLiteral("cmbPrinters")); }
 
-class PrintDialogTest : public ::testing::Test {
+class PrintDialogTest : public testing::DataFolderTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QFile name(dir_.filePath(QStringLiteral("USERZELW.NAM")));
+        QFile name(dir.filePath(QStringLiteral("USERZELW.NAM")));
         ASSERT_TRUE(name.open(QIODevice::WriteOnly));
         name.write("משרד רואי חשבון\n");
         name.close();
-        ASSERT_TRUE(table_.ok()) << table_.errorString().toStdString();
+        ASSERT_TRUE(madad.ok()) << madad.errorString().toStdString();
     }
 
     PrintSession session(bool editMode) {
         return {&report_, &out_, SectionId::Yegia, SheetId::CHishuv, editMode, [this](NishumOutput& o, trace::Trace* sink) {
-                    o = CalcDoch(report_, ConstDoch(), table_, today_, sink).out;
+                    o = CalcDoch(report_, c, madad, today, sink).out;
                     return true;
                 }};
     }
-    PrintSetup setup() const { return {dir_.path(), today_, {}}; }
+    PrintSetup setup() const { return {dir.path(), today, {}}; }
 
     // A dialog with no printer of the system, the PDF entry chosen and the
     // file chooser answering `path`.
-    std::unique_ptr<PrintDialog> pdfDialog(const PrintChoices& c, const QString& path, bool editMode = true) {
+    std::unique_ptr<PrintDialog> pdfDialog(const PrintChoices& parts, const QString& path, bool editMode = true) {
         auto d = std::make_unique<PrintDialog>(session(editMode), setup());
         d->setPrinters({});
         printers(*d)->setCurrentText(PrintDialog::pdfEntryText());
         d->setFileChooser([path](QWidget*) { return path; });
-        check(*d, "chkDetails", c.details);
-        check(*d, "chkBL", c.bl);
-        check(*d, "chkCurrPage", c.currPage);
-        check(*d, "chkCalc", c.calc);
-        check(*d, "chkExplain", c.explain);
+        for (const auto& [box, on] : {std::pair{"chkDetails", parts.details}, {"chkBL", parts.bl}, {"chkCurrPage", parts.currPage},
+                                      {"chkCalc", parts.calc}, {"chkExplain", parts.explain}})
+            check(*d, box, on);
         return d;
     }
 
     QStringList cliPages(const QStringList& flags, const QString& path) {
-        testing::runCli(QStringList{"print", kReportPath, "--pdf", path, "--today", "2016-05-10", "--data-dir", dir_.path()} + flags);
+        testing::runCli(QStringList{"print", kReportPath, "--pdf", path, "--today", "2016-06-30", "--data-dir", dir.path()} + flags);
         return test::pdfPages(path);
     }
 
-    QTemporaryDir dir_;
-    MadadTable table_{dir_.path()};
-    Date today_ = *Date::fromYmd(2016, 5, 10);
     NishumInput report_ = testing::readReport(kReportPath);
     NishumOutput out_;
-    MessageRecorder messages_;
 };
 
 TEST_F(PrintDialogTest, ThePdfEntryComesLastAndIsNeverChosenForTheUser) {
@@ -105,27 +90,27 @@ TEST_F(PrintDialogTest, PdfFileAsTheCommandLineToolWritesIt) {
     int n = 0;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.flags.join(QLatin1Char(' ')).toStdString() + (c.choices.bl ? " (bl checked)" : ""));
-        const QString mine = dir_.filePath(QStringLiteral("dialog%1.pdf").arg(++n));
+        const QString mine = dir.filePath(QStringLiteral("dialog%1.pdf").arg(++n));
         auto d = pdfDialog(c.choices, mine);
         d->print();
         EXPECT_EQ(d->result(), QDialog::Accepted);
         const QStringList pages = test::pdfPages(mine);
-        EXPECT_EQ(pages, cliPages(c.flags, dir_.filePath(QStringLiteral("cli%1.pdf").arg(n))));
+        EXPECT_EQ(pages, cliPages(c.flags, dir.filePath(QStringLiteral("cli%1.pdf").arg(n))));
         EXPECT_TRUE(test::anyPageHas(pages, QStringLiteral("משרד רואי חשבון")));
     }
-    EXPECT_TRUE(messages_.shown.empty()) << messages_.lastText().toStdString();
+    EXPECT_TRUE(recorder.shown.empty()) << recorder.lastText().toStdString();
 }
 
 // No printer, no file, a place that can't be written or nothing to print:
 // nothing is written, and the dialog stays wherever the user may choose again.
 TEST_F(PrintDialogTest, NothingIsWrittenWithoutAPlaceOrAPart) {
-    const QString path = dir_.filePath(QStringLiteral("none.pdf"));
+    const QString path = dir.filePath(QStringLiteral("none.pdf"));
     auto noPrinter = pdfDialog({.details = true}, path);
     printers(*noPrinter)->setCurrentIndex(-1);
     noPrinter->show();
     ASSERT_NE(noPrinter->focusWidget(), nullptr);
     QTest::keyClick(noPrinter->focusWidget(), Qt::Key_Return);  // the default button: "הדפס"
-    testing::expectLastMessage(messages_, MsgIcon::Exclamation, "הדפסה", "לא נבחרה מדפסת, בחר מדפסת מהרשימה");
+    testing::expectLastMessage(recorder, MsgIcon::Exclamation, "הדפסה", "לא נבחרה מדפסת, בחר מדפסת מהרשימה");
     EXPECT_TRUE(noPrinter->isVisible());
 
     auto gaveUp = pdfDialog({.details = true}, QString());
@@ -133,13 +118,13 @@ TEST_F(PrintDialogTest, NothingIsWrittenWithoutAPlaceOrAPart) {
     gaveUp->print();
     EXPECT_TRUE(gaveUp->isVisible());
 
-    const QString nowhere = dir_.filePath(QStringLiteral("no-such-folder/out.pdf"));
+    const QString nowhere = dir.filePath(QStringLiteral("no-such-folder/out.pdf"));
     auto badPlace = pdfDialog({.details = true}, nowhere);
     badPlace->show();
     badPlace->print();
-    ASSERT_EQ(messages_.shown.size(), 2u);
-    EXPECT_EQ(messages_.shown[1].icon, MsgIcon::Stop);
-    EXPECT_TRUE(messages_.shown[1].text.contains(nowhere)) << messages_.lastText().toStdString();
+    ASSERT_EQ(recorder.shown.size(), 2u);
+    EXPECT_EQ(recorder.shown[1].icon, MsgIcon::Stop);
+    EXPECT_TRUE(recorder.shown[1].text.contains(nowhere)) << recorder.lastText().toStdString();
     EXPECT_TRUE(badPlace->isVisible());
     EXPECT_FALSE(QFile::exists(nowhere));
 
@@ -150,18 +135,18 @@ TEST_F(PrintDialogTest, NothingIsWrittenWithoutAPlaceOrAPart) {
     EXPECT_EQ(nothing->result(), QDialog::Accepted);
     EXPECT_EQ(asked, 0);
     EXPECT_FALSE(QFile::exists(path));
-    EXPECT_EQ(messages_.shown.size(), 2u);
+    EXPECT_EQ(recorder.shown.size(), 2u);
 }
 
 // "עמוד נוכחי" prints the section on show while editing and the sheet on show
 // while the results are on screen.
 TEST_F(PrintDialogTest, CurrentPageIsTheSectionOrTheSheetOnShow) {
-    out_ = CalcDoch(report_, ConstDoch(), table_, today_).out;
+    out_ = CalcDoch(report_, c, madad, today).out;
     for (bool editMode : {true, false}) {
         SCOPED_TRACE(editMode ? "edit mode" : "result mode");
-        const QString mine = dir_.filePath(editMode ? QStringLiteral("page-edit.pdf") : QStringLiteral("page-result.pdf"));
+        const QString mine = dir.filePath(editMode ? QStringLiteral("page-edit.pdf") : QStringLiteral("page-result.pdf"));
         pdfDialog({.currPage = true}, mine, editMode)->print();
-        const QString direct = dir_.filePath(QStringLiteral("direct.pdf"));
+        const QString direct = dir.filePath(QStringLiteral("direct.pdf"));
         PdfFileTarget target(direct);
         if (editMode)
             PrintNishum(target, setup(), report_, true, SectionId::Yegia);
@@ -178,7 +163,7 @@ TEST_F(PrintDialogTest, APrinterThatCannotBeUsedIsReported) {
     d.setCurrentPrinter(QStringLiteral("zelmor-test-no-such-printer"));
     check(d, "chkDetails", true);
     d.print();
-    testing::expectLastMessage(messages_, MsgIcon::Stop, "שגיאת הדפסה", "לא נמצאה מדפסת,...");
+    testing::expectLastMessage(recorder, MsgIcon::Stop, "שגיאת הדפסה", "לא נמצאה מדפסת,...");
     EXPECT_EQ(d.result(), QDialog::Accepted);
     EXPECT_EQ(d.chosenPrinter(), "zelmor-test-no-such-printer");
 }
@@ -186,7 +171,7 @@ TEST_F(PrintDialogTest, APrinterThatCannotBeUsedIsReported) {
 // The preview shows the pages printed; it and the appendix of explanations
 // are offered only when there is something for them.
 TEST_F(PrintDialogTest, PreviewShowsThePagesOfThePrint) {
-    const QString mine = dir_.filePath(QStringLiteral("preview.pdf"));
+    const QString mine = dir.filePath(QStringLiteral("preview.pdf"));
     auto d = pdfDialog({.details = true}, mine);
     auto* appendix = d->findChild<QCheckBox*>(QStringLiteral("chkExplain"));
     EXPECT_FALSE(appendix->isEnabled());  // it belongs to the result sheets

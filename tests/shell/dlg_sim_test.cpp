@@ -1,19 +1,7 @@
 // The solving dialog against the solver itself and against zelmor-cli.
-#include <gtest/gtest.h>
-
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
-
-#include "core/tax_year.h"
 #include "core/values.h"
 #include "shell/dlg_sim.h"
 #include "shell/dlg_test_support.h"
-#include "tables/madad_table.h"
 
 using namespace zelmor;
 using namespace zelmor::shell;
@@ -23,31 +11,19 @@ namespace {
 
 QString shown(Amount a) { return QString::fromStdString(FormatAmount(a.value())); }
 
-template <class T>
-T* child(SimDialog& dlg, const char* name) {
-    auto* w = dlg.findChild<T*>(QLatin1String(name));
-    EXPECT_NE(w, nullptr) << name;
-    return w;
-}
-QString label(SimDialog& dlg, const char* name) { return child<QLabel>(dlg, name)->text(); }
+QString label(SimDialog& dlg, const char* name) { return child<QLabel>(&dlg, name)->text(); }
 
 // Types the sum and presses Enter, as a user asks the question.
 void ask(SimDialog& dlg, const QString& sum) {
-    auto* txt = child<QLineEdit>(dlg, "txtSum");
+    auto* txt = child<QLineEdit>(&dlg, "txtSum");
     txt->clear();
     QTest::keyClicks(txt, sum);
     QTest::keyClick(txt, Qt::Key_Return);
 }
 
-class SimDialogTest : public ::testing::Test {
+class SimDialogTest : public DataFolderTest {
 protected:
     SimResult solve(SimQuestion q, Amount sum, const NishumInput& r) const { return Simulate(q, sum, r, c, madad, today); }
-
-    QTemporaryDir dir;
-    MadadTable madad{dir.path()};
-    ConstDoch c;
-    const Date today = *Date::fromYmd(2016, 6, 30);
-    MessageRecorder recorder;
 };
 
 // Every question's answer is the solver's answer for the same report and sum
@@ -92,10 +68,10 @@ TEST_F(SimDialogTest, AnswersAreTheSolversAnswers) {
             continue;
         }
         EXPECT_EQ(label(dlg, "lblResult"), shown(expected.SimValue));
-        EXPECT_TRUE(child<QLabel>(dlg, "lblResult")->isVisible());
-        EXPECT_TRUE(child<QPushButton>(dlg, "cmdUpdate")->isEnabled());
+        EXPECT_TRUE(child<QLabel>(&dlg, "lblResult")->isVisible());
+        EXPECT_TRUE(child<QPushButton>(&dlg, "cmdUpdate")->isEnabled());
         const bool sixLabels = k.question != SimQuestion::IncomeForBalance;
-        EXPECT_EQ(child<QLabel>(dlg, "lblItraSum")->isVisible(), sixLabels);
+        EXPECT_EQ(child<QLabel>(&dlg, "lblItraSum")->isVisible(), sixLabels);
         if (sixLabels) {
             EXPECT_EQ(label(dlg, "lblItraSum"), shown(expected.SimBase));
             EXPECT_EQ(label(dlg, "lblHefreshSum"), shown(expected.SimHefresh));
@@ -110,9 +86,9 @@ TEST_F(SimDialogTest, RefusalsHideTheAnswer) {
     NishumInput report = goldenReport(QStringLiteral("single.json"));
     SimDialog dlg(SimQuestion::IncomeForBalance, report, c, madad, today);
     dlg.show();
-    auto* update = child<QPushButton>(dlg, "cmdUpdate");
-    auto* result = child<QLabel>(dlg, "lblResult");
-    auto* sum = child<QLineEdit>(dlg, "txtSum");
+    auto* update = child<QPushButton>(&dlg, "cmdUpdate");
+    auto* result = child<QLabel>(&dlg, "lblResult");
+    auto* sum = child<QLineEdit>(&dlg, "txtSum");
     EXPECT_FALSE(update->isEnabled());
     EXPECT_FALSE(result->isVisible());
     EXPECT_EQ(dlg.focusWidget(), sum);
@@ -143,7 +119,7 @@ TEST_F(SimDialogTest, UpdateStoresTheIncomeAndCancelKeepsIt) {
         SimDialog dlg(SimQuestion::IncomeChange, report, c, madad, today);
         dlg.show();
         ask(dlg, QStringLiteral("7000"));
-        child<QPushButton>(dlg, button)->click();
+        child<QPushButton>(&dlg, button)->click();
         const bool update = std::string_view(button) == "cmdUpdate";
         EXPECT_EQ(dlg.result(), update ? QDialog::Accepted : QDialog::Rejected);
         EXPECT_EQ(report.Yegia.N150, update ? n150 + 7000 : n150);
@@ -159,7 +135,7 @@ TEST_F(SimDialogTest, TaxPaidQuestionAnswersAtOnce) {
     SimDialog dlg(SimQuestion::IncomeForTaxPaid, report, c, madad, today);
     bool sumAsked = true;
     QTimer::singleShot(0, &dlg, [&] {
-        sumAsked = child<QLineEdit>(dlg, "txtSum")->isVisible() || child<QPushButton>(dlg, "cmdCalc")->isVisible();
+        sumAsked = child<QLineEdit>(&dlg, "txtSum")->isVisible() || child<QPushButton>(&dlg, "cmdCalc")->isVisible();
         EXPECT_EQ(label(dlg, "lblResult"), shown(expected.SimValue));
         QTest::keyClick(&dlg, Qt::Key_Return);  // the default button stores the answer
     });

@@ -1,20 +1,21 @@
 #pragma once
-// What the widget tests share: reading reports, typing any text, the message
-// boxes shown, and the pictures for a person to look at.
+// What the widget tests share: reading reports, a data folder, finding and
+// typing into the controls, and the message boxes shown.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QString>
 #include <QtTest>
+#include <QtWidgets>
 
+#include "core/tax_year.h"
 #include "report/report_json.h"
 #include "shell/messages.h"
+#include "storage/report_db.h"
+#include "tables/madad_table.h"
 
 namespace zelmor::shell::testing {
 
 inline const QString kGoldenReports = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/golden/reports/");
+inline const QString kShellData = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/");
 
 inline NishumInput readReport(const QString& path) {
     QFile f(path);
@@ -25,6 +26,23 @@ inline NishumInput readReport(const QString& path) {
 // A report of tests/golden/reports by file name.
 inline NishumInput goldenReport(const QString& name) { return readReport(kGoldenReports + name); }
 
+// A data folder of the test's own with the index table shipped with the
+// program, the day taken as today, and the message boxes recorded.
+class DataFolderTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    MadadTable madad{dir.path()};
+    const ConstDoch c{};
+    const Date today = *Date::fromYmd(2016, 6, 30);
+    MessageRecorder recorder;
+};
+
+// Four reports of different households, stored for the taxpayer list.
+inline void saveGoldenReports(storage::ReportDb& db) {
+    for (const char* name : {"single.json", "couple.json", "couple-low-spouse.json", "widow.json"})
+        ASSERT_TRUE(db.saveNishum(goldenReport(QLatin1String(name))).ok) << name;
+}
+
 // What zelmor-cli writes on standard output for these words; it must succeed.
 inline QByteArray runCli(const QStringList& args) {
     QProcess p;
@@ -32,6 +50,18 @@ inline QByteArray runCli(const QStringList& args) {
     EXPECT_TRUE(p.waitForFinished(60000));
     EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     return p.readAllStandardOutput();
+}
+
+// The named child of a window, of the type asked for; missing is a failure.
+template <class T = QWidget>
+T* child(const QObject* parent, const char* name) {
+    T* w = parent->findChild<T*>(QLatin1String(name));
+    EXPECT_NE(w, nullptr) << name;
+    return w;
+}
+
+inline QString focusName() {
+    return QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
 }
 
 // Types any text, Hebrew included (QTest::keyClicks knows only ASCII keys).
@@ -51,24 +81,5 @@ inline void expectLastMessage(const MessageRecorder& r, MsgIcon icon, const QStr
     else
         EXPECT_EQ(m.text, text);
 }
-
-// The folder that ZELMOR_DIALOG_SHOTS names: pictures of the screens are
-// written only when it is set (the picture tests skip otherwise).
-inline QString picturesFolder() {
-    const QString folder = qEnvironmentVariable("ZELMOR_DIALOG_SHOTS");
-    if (!folder.isEmpty()) QDir().mkpath(folder);
-    return folder;
-}
-
-// A picture of the widget, shown and painted, as <folder>/<name>.png.
-inline void savePicture(QWidget& w, const QString& folder, const QString& name) {
-    w.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
-    ASSERT_TRUE(w.grab().save(QDir(folder).filePath(name + QStringLiteral(".png"))));
-}
-
-#define ZELMOR_PICTURES_OR_SKIP(folder)             \
-    const QString folder = ::zelmor::shell::testing::picturesFolder(); \
-    if (folder.isEmpty()) GTEST_SKIP() << "set ZELMOR_DIALOG_SHOTS to a folder to get the pictures"
 
 }  // namespace zelmor::shell::testing

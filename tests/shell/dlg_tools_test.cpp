@@ -1,14 +1,6 @@
 // The tools menu's outside programs: which calculator is found, and the form
 // 6111 program's failure message. Nothing here opens a window of its own.
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QSettings>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-
-#include "shell/messages.h"
+#include "shell/dlg_test_support.h"
 #include "shell/tools.h"
 
 using namespace zelmor::shell;

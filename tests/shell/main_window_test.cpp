@@ -1,28 +1,11 @@
 // The main window driven as a user drives it: keys, menu shortcuts, the
 // questions answered through the message recorder; the explanation window of a
 // result cell; the draft file and the boxes of the storage outcomes.
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QApplication>
-#include <QCoreApplication>
-#include <QContextMenuEvent>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QProcess>
-#include <QScreen>
-#include <QSysInfo>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QTreeWidget>
 #include <deque>
 #include <memory>
 
 #include "engine/calc.h"
 #include "engine/explain.h"
-#include "report/report_json.h"
 #include "shell/dlg_test_support.h"
 #include "shell/draft_store.h"
 #include "shell/entry_page.h"
@@ -31,7 +14,6 @@
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
 #include "shell/store_messages.h"
-#include "storage/report_db.h"
 #include "tables/madad_table.h"
 
 namespace zelmor::shell {
@@ -66,9 +48,7 @@ protected:
     static void key(int k, Qt::KeyboardModifiers mods = Qt::NoModifier) {
         QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(k), mods);
     }
-    static QString focusName() {
-        return QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
-    }
+    static QString focusName() { return testing::focusName(); }
     static QString firstFieldName(MainWindow& w) {
         w.entryPage()->focusFirst();
         return focusName();
@@ -441,20 +421,6 @@ TEST_F(ExplainPanelTest, TheBalanceForAnotherInterestDateIsTheOneOnShow) {
     EXPECT_TRUE(rootText().endsWith(QStringLiteral("תאריך הריבית שנבחר = 31/12/2017"))) << rootText().toStdString();
 }
 
-TEST(ExplainPanelPlace, BesideItsOwnerWhereTheScreenHasRoom) {
-    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
-    QWidget owner;
-    owner.setGeometry(room.left() + 10, room.top() + 10, 150, 200);
-    owner.show();
-    ExplainPanel panel(&owner);
-    panel.placeBeside(&owner);
-    EXPECT_GT(panel.x(), owner.frameGeometry().right());  // on its right
-    EXPECT_EQ(panel.y(), owner.frameGeometry().top());
-    owner.move(room.right() - 160, room.top() + 10);
-    panel.placeBeside(&owner);
-    EXPECT_LE(panel.frameGeometry().right(), owner.frameGeometry().left());  // no room there: on its left
-}
-
 // The draft file: what it keeps, what it refuses, and who may write it.
 TEST(DraftTest, KeepsTheFieldsThePageAndTheTextsAsTyped) {
     Draft d;
@@ -511,50 +477,45 @@ TEST(DraftTest, ALockLeftByADeadProgramIsTakenOver) {
 }
 
 using storage::StoreError;
-using storage::StoreOutcome;
 
-StoreOutcome outcome(StoreError error, std::string id = {}, std::string detail = {}) {
-    StoreOutcome out;
-    out.ok = error == StoreError::None;
-    out.error = error;
-    out.id = std::move(id);
-    out.detail = std::move(detail);
-    return out;
+storage::StoreOutcome outcome(StoreError error, std::string id = {}, std::string detail = {}) {
+    return {.ok = error == StoreError::None, .error = error, .idCheck = {}, .id = std::move(id), .database = {},
+            .detail = std::move(detail)};
 }
 
 // The boxes of the storage outcomes (those of a save that stores or lacks an
 // id, and of opening with nothing chosen, are checked through the screens).
 TEST(StoreMessages, EachOutcomeOfEachActionHasItsBox) {
-    StoreOutcome invisible = outcome(StoreError::BadId, "123\u200F");
+    storage::StoreOutcome invisible = outcome(StoreError::BadId, "123\u200F");
     invisible.idCheck = {storage::IdFault::Invisible, 0x200F};
+    const QString save = QString::fromUtf8("שמירת דו\"ח"), open = QString::fromUtf8("פתיחת דו\"ח"),
+                  list = QString::fromUtf8("רשימת נישומים");
     const struct {
         StoreAction action;
-        StoreOutcome out;
+        storage::StoreOutcome out;
         MsgIcon icon;
-        const char* title;
+        QString title;
         const char* text;
     } cases[] = {
-        {StoreAction::Save, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, "שמירת דו\"ח",
+        {StoreAction::Save, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, save,
          "לא ניתן לשמור בת.ז. NewInit, השמורה לתבנית הדו\"ח החדש\nנא להזין ת.ז. אחרת ולשמור לאחר מכן"},
-        {StoreAction::Save, invisible, MsgIcon::Exclamation, "שמירת דו\"ח",
+        {StoreAction::Save, invisible, MsgIcon::Exclamation, save,
          "מספר ת.ז. אינו יכול להכיל סימני כיוון, תווים בלתי נראים או רווח מיוחד\nנא לתקן ת.ז. ולשמור לאחר מכן"},
-        {StoreAction::Save, outcome(StoreError::DatabaseFailure, "1", "disk I/O error"), MsgIcon::Stop,
-         "שמירת דו\"ח", "שגיאה בשמירת הדו\"ח: disk I/O error\nנא ליצור קשר עם חברת Zelmor"},
-        {StoreAction::Open, outcome(StoreError::None, "1"), MsgIcon::None, "פתיחת דו\"ח", ""},
-        {StoreAction::Open, outcome(StoreError::NotFound, "404"), MsgIcon::Exclamation, "פתיחת דו\"ח",
-         "לא נמצא דו\"ח שמור עם ת.ז. 404"},
-        {StoreAction::Open, outcome(StoreError::Damaged, "5", "column isMale holds 2"), MsgIcon::Stop, "פתיחת דו\"ח",
+        {StoreAction::Save, outcome(StoreError::DatabaseFailure, "1", "disk I/O error"), MsgIcon::Stop, save,
+         "שגיאה בשמירת הדו\"ח: disk I/O error\nנא ליצור קשר עם חברת Zelmor"},
+        {StoreAction::Open, outcome(StoreError::None, "1"), MsgIcon::None, open, ""},
+        {StoreAction::Open, outcome(StoreError::NotFound, "404"), MsgIcon::Exclamation, open, "לא נמצא דו\"ח שמור עם ת.ז. 404"},
+        {StoreAction::Open, outcome(StoreError::Damaged, "5", "column isMale holds 2"), MsgIcon::Stop, open,
          "שגיאה בפתיחת הדו\"ח: column isMale holds 2\nהדו\"ח הפתוח לא שונה."},
-        {StoreAction::Delete, outcome(StoreError::NoId), MsgIcon::None, "רשימת נישומים", ""},
-        {StoreAction::Delete, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, "רשימת נישומים",
+        {StoreAction::Delete, outcome(StoreError::NoId), MsgIcon::None, list, ""},
+        {StoreAction::Delete, outcome(StoreError::TemplateId, "NewInit"), MsgIcon::Exclamation, list,
          "לא ניתן למחוק את תבנית הדו\"ח החדש"},
-        {StoreAction::Delete, outcome(StoreError::DatabaseFailure, "1", "locked"), MsgIcon::Stop, "רשימת נישומים",
-         "שגיאה במחיקת הדו\"ח: locked"},
+        {StoreAction::Delete, outcome(StoreError::DatabaseFailure, "1", "locked"), MsgIcon::Stop, list, "שגיאה במחיקת הדו\"ח: locked"},
     };
     for (const auto& c : cases) {
         const ShownMessage m = storeMessage(c.action, c.out);
         EXPECT_EQ(m.icon, c.icon) << c.text;
-        EXPECT_EQ(m.title, QString::fromUtf8(c.title)) << c.text;
+        EXPECT_EQ(m.title, c.title) << c.text;
         EXPECT_EQ(m.text, QString::fromUtf8(c.text));
     }
 }

@@ -1,19 +1,6 @@
 // The result screens: the figures on every sheet are those of the result
 // document, the keys move between the sheets as the menus expect, and the
 // interest date changes only the interest.
-#include <gtest/gtest.h>
-
-#include <QCalendarWidget>
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QToolButton>
 #include <memory>
 
 #include "core/values.h"
@@ -22,32 +9,12 @@
 #include "shell/dlg_test_support.h"
 #include "shell/result_view.h"
 #include "shell/sheet_canvas.h"
-#include "tables/madad_table.h"
 
 namespace zelmor::shell {
 namespace {
 
-const Date kToday = *Date::fromYmd(2016, 6, 30);
 const QString kCouple = QStringLiteral(ZELMOR_SOURCE_DIR "/examples/couple.json");
-const QString kJoint = QStringLiteral(ZELMOR_SOURCE_DIR "/tests/shell/data/joint-couple.json");
-
-// A data folder with the index table that ships with the program, shared by
-// the view and the command line tool.
-struct Data {
-    QTemporaryDir dir;
-    MadadTable madad{dir.path()};
-};
-
-Data& data() {
-    static Data d;
-    return d;
-}
-
-// The result document `zelmor-cli calc` writes for a report.
-QJsonObject cliDocument(const QString& report) {
-    const QStringList args{"calc", report, "--today", "2016-06-30", "--data-dir", data().dir.path()};
-    return QJsonDocument::fromJson(testing::runCli(args)).object();
-}
+const QString kJoint = testing::kShellData + QStringLiteral("joint-couple.json");
 
 QString text(const std::string& s) { return QString::fromStdString(s); }
 
@@ -56,27 +23,29 @@ Date isoDate(const QString& s) {
     return *Date::fromYmd(d.year(), d.month(), d.day());
 }
 
-class ResultViewTest : public ::testing::Test {
+class ResultViewTest : public testing::DataFolderTest {
 protected:
     void show(const CalcResult& r, int sheet = 1) {
-        view = std::make_unique<ResultView>(ConstDoch(), data().madad, kToday);
+        view = std::make_unique<ResultView>(c, madad, today);
         view->resize(600, 400);
         view->show();
         view->setResult(r);
         view->goSheet(sheet);
     }
-    static CalcResult calc(const QString& path) {
-        return CalcDoch(testing::readReport(path), ConstDoch(), data().madad, kToday);
+    CalcResult calc(const QString& path) const { return CalcDoch(testing::readReport(path), c, madad, today); }
+    // The result document `zelmor-cli calc` writes for a report.
+    QJsonObject cliDocument(const QString& report) const {
+        const QStringList args{"calc", report, "--today", "2016-06-30", "--data-dir", dir.path()};
+        return QJsonDocument::fromJson(testing::runCli(args)).object();
     }
     SheetCanvas* canvas() const {
-        for (SheetCanvas* c : view->findChildren<SheetCanvas*>())
-            if (c->isVisibleTo(view.get())) return c;
+        for (SheetCanvas* s : view->findChildren<SheetCanvas*>())
+            if (s->isVisibleTo(view.get())) return s;
         return nullptr;
     }
     QLabel* label(const char* name) const { return canvas()->findChild<QLabel*>(QString::fromUtf8(name)); }
     QLineEdit* dateField() const { return canvas()->dateField(); }
 
-    MessageRecorder messages;
     std::unique_ptr<ResultView> view;
 };
 
@@ -95,7 +64,7 @@ TEST_F(ResultViewTest, EverySheetShowsTheFiguresOfTheCalcCommand) {
             const char* name = allSheets()[static_cast<std::size_t>(page - 1)].name;
             const QJsonObject values = doc.value(QString::fromUtf8(name)).toObject();
             ASSERT_FALSE(values.isEmpty()) << name;
-            for (const Placed& p : placeRows(view->result().out, sheet, sheetParams(ConstDoch()))) {
+            for (const Placed& p : placeRows(view->result().out, sheet, sheetParams(c))) {
                 if (p.what != WalkStep::Row) continue;
                 for (int slot = 0; slot < 8; ++slot) {
                     const char* field = p.row->fields[static_cast<std::size_t>(slot)];
@@ -123,33 +92,30 @@ TEST_F(ResultViewTest, EverySheetShowsTheFiguresOfTheCalcCommand) {
     }
 }
 
+// Only a couple filing jointly is shown the two sums compared and the mode chosen.
 TEST_F(ResultViewTest, TheJointCoupleIsJointAndShowsTheComparedSums) {
+    show(calc(kCouple));
+    EXPECT_EQ(label("lblCompared"), nullptr);
     show(calc(kJoint));
     ASSERT_EQ(view->result().FilingMode, ModeJoint);
     const QLabel* line = label("lblCompared");
     ASSERT_NE(line, nullptr);
-    EXPECT_TRUE(line->text().contains(text(FormatAmount(view->result().MasMeuchad.value()))));
-    EXPECT_TRUE(line->text().contains(text(FormatAmount(view->result().MasNifrad.value()))));
-    EXPECT_TRUE(line->text().contains(QString::fromUtf8(ModeTitle(ModeJoint))));
-
-    show(calc(kCouple));
-    EXPECT_EQ(label("lblCompared"), nullptr);
+    for (const std::string& part : {FormatAmount(view->result().MasMeuchad.value()), FormatAmount(view->result().MasNifrad.value()),
+                                    std::string(ModeTitle(ModeJoint))})
+        EXPECT_TRUE(line->text().contains(text(part))) << part;
 }
 
 TEST_F(ResultViewTest, PageKeysTurnWithoutWrapAndEscReturnsToTheSummary) {
     show(calc(kCouple));
     QTest::keyClick(dateField(), Qt::Key_PageDown);  // the date field lets Page Down through
     EXPECT_EQ(view->sheet(), 2);
-    QTest::keyClick(view.get(), Qt::Key_PageUp);
-    QTest::keyClick(view.get(), Qt::Key_PageUp);
-    EXPECT_EQ(view->sheet(), 1);
-    view->goSheet(7);
-    QTest::keyClick(view.get(), Qt::Key_PageDown);
-    QTest::keyClick(view.get(), Qt::Key_PageDown);
-    EXPECT_EQ(view->sheet(), 8);
-    view->goSheet(5);
-    QTest::keyClick(view.get(), Qt::Key_Escape);
-    EXPECT_EQ(view->sheet(), 1);
+    const struct { int from; Qt::Key key; int to; } moves[] = {
+        {2, Qt::Key_PageUp, 1}, {1, Qt::Key_PageUp, 1}, {7, Qt::Key_PageDown, 8}, {8, Qt::Key_PageDown, 8}, {5, Qt::Key_Escape, 1}};
+    for (const auto& m : moves) {
+        view->goSheet(m.from);
+        QTest::keyClick(view.get(), m.key);
+        EXPECT_EQ(view->sheet(), m.to) << "from " << m.from;
+    }
     QSignalSpy changed(view.get(), &ResultView::sheetChanged);
     QTest::keyClick(dateField(), Qt::Key_Escape);  // on the summary Esc does nothing
     EXPECT_EQ(changed.count(), 0);
@@ -192,15 +158,15 @@ TEST_F(ResultViewTest, TheInterestDateChangesOnlyTheInterest) {
     EXPECT_EQ(allButInterest(view->result().out), allButInterest(original.out));
     EXPECT_EQ(dateField()->text(), "31/12/2016");
     EXPECT_EQ(label("Ribit")->text(), text(FormatAmount(main.Ribit.value())));
-    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_TRUE(recorder.shown.empty());
 
     // A day that does not exist: the message, and the last good date stays;
     // the empty mask does nothing.
     enter("31/02/2015");
-    testing::expectLastMessage(messages, MsgIcon::Exclamation, "חישוב ריבית", "תאריך לא חוקי");
+    testing::expectLastMessage(recorder, MsgIcon::Exclamation, "חישוב ריבית", "תאריך לא חוקי");
     EXPECT_EQ(view->result().out.Main.RibitDate, endOf2016);
     enter("");
-    EXPECT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(recorder.shown.size(), 1u);
     EXPECT_EQ(view->result().out.Main.RibitDate, endOf2016);
 
     // A date picked from the calendar goes through the same rule.
