@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Pictures of the nine entry screens and the summary sheet under a virtual X
+# Pictures of the nine entry screens, the summary sheet and the explanation of
+# its tax due under a virtual X
 # server, for the README and for looking the screens over (captions clipped,
 # right-to-left order, alignment). Not a test: run it by hand after a build.
 #   tests/e2e/screenshots.sh [BUILD_DIR] [OUT_DIR]
@@ -47,4 +48,12 @@ for page in 3 4 5 6 7 8 9; do
 done
 xdotool key F2; sleep 0.5
 shot summary
+# The explanation of the tax due ("מס מגיע"), from a click on its amount and F1.
+xdotool mousemove --window "$WIN" 330 205 click 1; sleep 0.2
+xdotool key F1
+WIN=$(wait_window "^הסבר")
+sleep 0.5
+xdotool windowfocus --sync "$WIN"
+xdotool key Down plus Down plus Down plus; sleep 0.3
+shot explain-panel
 echo "pictures in $OUT"
